@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QString>
+
+// The folders the program works in. Settings store paths with "\" separators and
+// a leading "\" for "relative to the program folder"; these helpers turn them
+// into real paths on this system.
+class AppPaths {
+public:
+    // "vellumo": names the settings file, the old INI file and the application.
+    static QString executableBaseName();
+
+    // The folder holding the shipped vellumo.xml, with a trailing "/".
+    static QString programFolder();
+    // Tests run the program against a folder of their own.
+    static void setProgramFolder(const QString& folder);
+
+    // The user's local application-data folder, with a trailing "/".
+    static QString localAppDataFolder();
+    static QString documentsFolder();
+    static QString tempFolder();
+
+    // "\" becomes "/"; nothing else changes.
+    static QString toDisk(const QString& storedPath);
+    // A leading "\" is resolved against the program folder.
+    static QString programRelative(const QString& storedPath);
+    // The path with a trailing "/" added when missing.
+    static QString withSlash(const QString& folder);
+    // Creates every missing folder of the path; true when it exists afterwards.
+    static bool createPath(const QString& folder);
+};

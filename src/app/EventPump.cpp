@@ -1,0 +1,8 @@
+#include "EventPump.h"
+
+#include <QCoreApplication>
+
+void pumpEvents() {
+    if (QCoreApplication::instance())
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+}

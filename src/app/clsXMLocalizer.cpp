@@ -1,0 +1,234 @@
+#include "clsXMLocalizer.h"
+
+#include "AppPaths.h"
+#include "LocaleInfo.h"
+#include "clsPropertiesXML.h"
+
+#include <QFont>
+#include <QObject>
+#include <QVariant>
+#include <array>
+#include <pugixml.hpp>
+
+namespace {
+QString text(const char* utf8) { return QString::fromUtf8(utf8); }
+
+// The control kinds that carry a translatable caption, with the property that
+// holds it. The first class an object inherits decides.
+struct CaptionedKind {
+    const char* className;
+    const char* captionProperty;
+};
+constexpr std::array<CaptionedKind, 8> kCaptionedKinds{{
+    {"QMenu", "title"},       // Menu
+    {"QAction", "text"},      // Menu
+    {"GrButtonIII", "text"},  // the program's graphic button
+    {"QPushButton", "text"},  // CommandButton
+    {"QGroupBox", "title"},   // Frame
+    {"QLabel", "text"},       // Label
+    {"QCheckBox", "text"},    // CheckBox
+    {"QRadioButton", "text"}, // OptionButton
+}};
+
+const CaptionedKind* captionedKind(const QObject* object) {
+    for (const CaptionedKind& kind : kCaptionedKinds)
+        if (object->inherits(kind.className))
+            return &kind;
+    return nullptr;
+}
+
+// Unnamed objects and Qt's own helpers are not controls of the window.
+bool isNamedControl(const QObject* object) {
+    const QString name = object->objectName();
+    return !name.isEmpty() && !name.startsWith(QLatin1String("qt_"));
+}
+
+struct CodePageFont {
+    int codePage;
+    int charSet;
+    const char* family; // nullptr: the system chooses
+    bool atLeastNinePoints;
+};
+constexpr std::array<CodePageFont, 12> kCodePageFonts{{
+    {1252, 0, "Tahoma", false},
+    {950, 136, "新細明體", true},
+    {936, 134, "宋体", true},
+    {949, 129, "굴림", true},
+    {932, 128, "ＭＳ Ｐゴシック", true},
+    {1250, 238, nullptr, false},
+    {1251, 204, nullptr, false},
+    {1253, 161, nullptr, false},
+    {1254, 162, nullptr, false},
+    {1255, 177, nullptr, false},
+    {1256, 178, nullptr, false},
+    {1257, 186, nullptr, false},
+}};
+
+const CodePageFont* codePageFont(int codePage) {
+    for (const CodePageFont& row : kCodePageFonts)
+        if (row.codePage == codePage)
+            return &row;
+    return nullptr;
+}
+
+void applyProperFont(QObject* object, int codePage) {
+    if (!object->isWidgetType())
+        return;
+    QFont font = object->property("font").value<QFont>();
+    clsXMLocalizer::SetProperFont(font, codePage);
+    object->setProperty("font", font);
+}
+} // namespace
+
+clsXMLocalizer::clsXMLocalizer(clsPropertiesXML& settings) : m_settings(settings) {
+    m_langPath = AppPaths::withSlash(
+        AppPaths::programRelative(settings.GetProp("paths", "language", "\\language\\")));
+}
+
+QList<QPair<QString, QString>> clsXMLocalizer::GetAvaliableLanguage() const {
+    QList<QPair<QString, QString>> languages;
+    QStringList entries;
+    m_settings.GetPropList("languages", entries, "=");
+    for (const QString& entry : entries) {
+        const QString code = entry.section(QLatin1Char('='), 0, 0);
+        const QStringList fields = entry.section(QLatin1Char('='), 1).split(QLatin1Char(','));
+        if (fields.value(1) != QLatin1String("0"))
+            languages.append({code, fields.value(0)});
+    }
+    return languages;
+}
+
+bool clsXMLocalizer::SetLanguage(const QString& code) {
+    const QString entry = m_settings.GetProp("languages", code, "<no>");
+    if (entry == QLatin1String("<no>"))
+        return false;
+    QString language = code;
+    if (entry.split(QLatin1Char(',')).value(1) == QLatin1String("0"))
+        language = QStringLiteral("en-us");
+    // A missing or broken file must not leave the program without texts.
+    if (!loadLanguageFile(m_langPath + language + ".xml") && language != QLatin1String("en-us"))
+        loadLanguageFile(m_langPath + "en-us.xml");
+    m_language = language;
+    return true;
+}
+
+bool clsXMLocalizer::IsLanguageInstalled(const QString& code) const {
+    const QString entry = m_settings.GetProp("languages", code, "<no>");
+    return entry != QLatin1String("<no>") && entry.split(QLatin1Char(',')).value(1) != "0";
+}
+
+bool clsXMLocalizer::loadLanguageFile(const QString& fileName) {
+    pugi::xml_document document;
+    const pugi::xml_parse_result result =
+        document.load_file(fileName.toLocal8Bit().constData(), pugi::parse_default,
+                           pugi::encoding_utf8);
+    m_strings.clear();
+    m_translations.clear();
+    if (!result) {
+        m_loadError = fileName + ": " + text(result.description());
+        return false;
+    }
+    m_loadError.clear();
+    m_langFileName = fileName;
+    const pugi::xml_node root = document.child("langtab");
+    for (pugi::xml_node string : root.child("strings").children("string"))
+        m_strings.insert(text(string.attribute("name").value()),
+                         text(string.child("text").text().get()));
+    for (pugi::xml_node form : root.child("forms").children("form")) {
+        const QString formName = text(form.attribute("name").value());
+        m_translations.insert(formName + "_caption", text(form.attribute("caption").value()));
+        for (pugi::xml_node control : form.children()) {
+            for (pugi::xml_node element : control.children()) {
+                const QString elementName = text(element.name());
+                if (elementName != QLatin1String("caption") && elementName != QLatin1String("text"))
+                    continue;
+                m_translations.insert(controlKey(formName, text(control.attribute("name").value()),
+                                                 text(control.attribute("index").value()),
+                                                 elementName),
+                                      text(element.text().get()));
+            }
+        }
+    }
+    return true;
+}
+
+bool clsXMLocalizer::TranslateForm(QObject* window) const {
+    if (!window)
+        return false;
+    const int codePage = LocaleInfo::codePageOf(LocaleInfo::userLcid());
+    const QList<QObject*> controls = window->findChildren<QObject*>();
+    if (!hasEnglishThreadLocale()) {
+        applyProperFont(window, codePage);
+        for (QObject* control : controls)
+            applyProperFont(control, codePage);
+    }
+    const QString windowName = window->objectName();
+    window->setProperty("windowTitle", m_translations.value(windowName + "_caption"));
+    for (QObject* control : controls)
+        translateControl(control, windowName);
+    return true;
+}
+
+void clsXMLocalizer::translateControl(QObject* control, const QString& windowName) const {
+    const CaptionedKind* kind = captionedKind(control);
+    if (!kind || !isNamedControl(control))
+        return;
+    const QVariant indexProperty = control->property("index");
+    const QString index = indexProperty.isValid() ? indexProperty.toString() : QString();
+    const QString name = control->objectName();
+    // A missing caption blanks the control: the language files are complete.
+    control->setProperty(kind->captionProperty,
+                         m_translations.value(controlKey(windowName, name, index, "caption")));
+    const QString toolTip = m_translations.value(controlKey(windowName, name, index, "text"));
+    if (!toolTip.isEmpty())
+        control->setProperty("toolTip", toolTip);
+}
+
+QString clsXMLocalizer::GetString(const QString& key) const { return m_strings.value(key); }
+
+QString clsXMLocalizer::GetStringPar(const QString& key, const QStringList& parameters) const {
+    QString result = GetString(key);
+    result.replace(QLatin1String("%n"), QLatin1String("\r\n"));
+    // In this order, so "%10" is taken by parameter 1 before parameter 10 is reached.
+    for (qsizetype i = 0; i < parameters.size(); ++i)
+        result.replace(QLatin1Char('%') + QString::number(i), parameters[i]);
+    return result;
+}
+
+int clsXMLocalizer::GetDefaultCharSet() const {
+    if (hasEnglishThreadLocale())
+        return 0;
+    const CodePageFont* row = codePageFont(GetCodePage(LocaleInfo::userLcid()));
+    return row ? row->charSet : 1;
+}
+
+void clsXMLocalizer::ChangeCharSetUsrCtrl(QObject* container) const {
+    if (!container)
+        return;
+    const int codePage = GetCodePage(LocaleInfo::userLcid());
+    for (QObject* control : container->findChildren<QObject*>())
+        applyProperFont(control, codePage);
+}
+
+int clsXMLocalizer::SetProperFont(QFont& font, int codePage) {
+    const CodePageFont* row = codePageFont(codePage);
+    if (!row)
+        return 1;
+    if (row->family)
+        font.setFamily(text(row->family));
+    // East-Asian faces are unreadable below nine points.
+    if (row->atLeastNinePoints && font.pointSizeF() < 9)
+        font.setPointSize(9);
+    return row->charSet;
+}
+
+int clsXMLocalizer::GetCodePage(std::uint32_t lcid) { return LocaleInfo::codePageOf(lcid); }
+
+QString clsXMLocalizer::controlKey(const QString& window, const QString& control,
+                                   const QString& index, const QString& element) {
+    return window + "_" + control + "_" + index + "_" + element;
+}
+
+bool clsXMLocalizer::hasEnglishThreadLocale() const {
+    return LocaleInfo::isEnglish(LocaleInfo::userLcid());
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+// What vellumo-cli prints: results on standard output, one-line errors on
+// standard error with a non-zero exit code.
+class CliOutput {
+public:
+    static void out(const QString& line);
+    // Prints "vellumo-cli: <message>" and returns 1.
+    static int error(const QString& message);
+    // Prints the usage text and returns 64, the usual code for a bad command line.
+    static int usageError(const QString& usage);
+};
