@@ -33,7 +33,9 @@ IniDocument IniDocument::load(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return document;
-    const QStringList lines = decode(file.readAll()).split(QLatin1Char('\n'));
+    QStringList lines = decode(file.readAll()).split(QLatin1Char('\n'));
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast(); // the end of the last line, not a line of its own
     for (QString line : lines) {
         if (line.endsWith(QLatin1Char('\r')))
             line.chop(1);
@@ -54,8 +56,6 @@ bool IniDocument::save(const QString& path) const {
         for (const QString& line : section.lines)
             text += line + QStringLiteral("\r\n");
     }
-    while (text.endsWith(QStringLiteral("\r\n\r\n")))
-        text.chop(2);
     QFile file(path);
     return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
            file.write(text.toUtf8()) == text.toUtf8().size();

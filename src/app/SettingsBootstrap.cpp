@@ -30,6 +30,13 @@ void copyTree(const QString& source, const QString& target) {
         }
     }
 }
+
+// Loading alone never marks the store changed, so the probe writes nothing.
+bool keepsUserFile(const QString& userFile) {
+    clsPropertiesXML probe;
+    probe.Initialize(userFile, QString());
+    return !probe.startedEmpty();
+}
 } // namespace
 
 QString SettingsBootstrap::userSettingsFile(clsPropertiesXML& programSettings) {
@@ -45,6 +52,12 @@ std::unique_ptr<clsPropertiesXML> SettingsBootstrap::openSettings() {
     const QString userFolder = QFileInfo(userFile).path();
     if (!AppPaths::createPath(userFolder))
         throw AppError(kStep, "The settings folder " + userFolder + " cannot be created.");
+    if (QFileInfo::exists(userFile) && !keepsUserFile(userFile)) {
+        // Starting from an empty store would lose the folders the program works in;
+        // the broken file is kept for the user and a fresh copy takes its place.
+        QFile::remove(userFile + ".broken");
+        QFile::rename(userFile, userFile + ".broken");
+    }
     settings->Reset();
     if (QFileInfo::exists(userFile)) {
         settings->Initialize(userFile, QString());

@@ -184,7 +184,8 @@ void clsPropertiesXML::loadDocument() {
     const pugi::xml_parse_result result =
         m_document.load_file(AppPaths::toDisk(m_xmlFileName).toLocal8Bit().constData(),
                              pugi::parse_default | pugi::parse_declaration, pugi::encoding_utf8);
-    if (!result || !m_document.child("APPLICATIONS"))
+    m_startedEmpty = !result || !m_document.child("APPLICATIONS");
+    if (m_startedEmpty)
         startEmptyDocument();
 }
 

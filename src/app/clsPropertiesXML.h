@@ -43,6 +43,8 @@ public:
 
     bool isInitialized() const { return m_initialized; }
     bool isDirty() const { return m_dirty; }
+    // The last Initialize found no usable settings file and started empty.
+    bool startedEmpty() const { return m_startedEmpty; }
 
 private:
     void ensureInitialized();
@@ -57,6 +59,7 @@ private:
     QString m_applicationName;
     bool m_initialized = false;
     bool m_dirty = false;
+    bool m_startedEmpty = false;
     pugi::xml_document m_document;
     pugi::xml_node m_application;
     pugi::xml_node m_sections;

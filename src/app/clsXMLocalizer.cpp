@@ -106,6 +106,7 @@ bool clsXMLocalizer::SetLanguage(const QString& code) {
     if (entry.split(QLatin1Char(',')).value(1) == QLatin1String("0"))
         language = QStringLiteral("en-us");
     // A missing or broken file must not leave the program without texts.
+    m_loadError.clear();
     if (!loadLanguageFile(m_langPath + language + ".xml") && language != QLatin1String("en-us"))
         loadLanguageFile(m_langPath + "en-us.xml");
     m_language = language;
@@ -128,7 +129,6 @@ bool clsXMLocalizer::loadLanguageFile(const QString& fileName) {
         m_loadError = fileName + ": " + text(result.description());
         return false;
     }
-    m_loadError.clear();
     m_langFileName = fileName;
     const pugi::xml_node root = document.child("langtab");
     for (pugi::xml_node string : root.child("strings").children("string"))

@@ -115,6 +115,7 @@ void modMain::showSplash(clsPropertiesXML& settings) {
 void modMain::Shutdown() {
     delete state().splash.data();
     state().mainWindow.reset();
+    delete state().instance.data();
     AppGlobals::shutdown();
 }
 

@@ -16,7 +16,8 @@ public:
     // (another copy was brought forward, or a step failed and was reported);
     // nothing when the program goes on with its window.
     static std::optional<int> Main(const QStringList& arguments);
-    // Closes the windows and the singletons; the settings save when changed.
+    // Closes the windows, stops answering later copies and ends the
+    // singletons; the settings save themselves when changed.
     static void Shutdown();
 
     static frmMain* mainWindow();

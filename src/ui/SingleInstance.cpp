@@ -52,6 +52,7 @@ void SingleInstance::answerConnection() {
             if (!socket->readAll().contains(kActivate.trimmed()))
                 return;
             socket->write("ok\n");
+            qInfo("Another copy was started; this one comes forward instead.");
             emit activationRequested();
         });
     }

@@ -1,0 +1,113 @@
+#include "AppGlobals.h"
+#include "AppPaths.h"
+#include "DialogService.h"
+#include "SingleInstance.h"
+#include "TempDataHome.h"
+#include "clsPropertiesXML.h"
+#include "clsXMLocalizer.h"
+#include "frmMain.h"
+#include "frmSplash.h"
+#include "modMain.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QPointer>
+#include <QTest>
+
+class StartupTest : public TempDataHome {
+protected:
+    void TearDown() override {
+        modMain::Shutdown();
+        DialogService::clear();
+        TempDataHome::TearDown();
+    }
+    QString userFile() const { return dataFile("Vellumo/vellumo.xml"); }
+    void setProgramSetting(const QString& section, const QString& key, const QString& value) {
+        clsPropertiesXML program;
+        program.Initialize(programFile("vellumo.xml"), "");
+        program.SetProp(section, key, value);
+    }
+};
+
+TEST_F(StartupTest, MainOpensSettingsLanguageHelpAndTheWindow) {
+    setProgramSetting("preferences", "ShowSplash", "0");
+    ASSERT_FALSE(modMain::Main({"vellumo", "my message.mms"}).has_value());
+    ASSERT_NE(AppGlobals::settings(), nullptr);
+    EXPECT_EQ(AppGlobals::settings()->XmlFileName(), userFile());
+    EXPECT_EQ(AppGlobals::localizer()->GetLanguage(), "en-us");
+    EXPECT_EQ(AppGlobals::helpFile(), programFile("help/en-us.html"));
+    EXPECT_TRUE(QFileInfo::exists(AppGlobals::helpFile()));
+    EXPECT_EQ(AppGlobals::commandLine(), " \"my message.mms\"");
+    ASSERT_NE(modMain::mainWindow(), nullptr);
+    EXPECT_TRUE(modMain::mainWindow()->isVisible());
+    EXPECT_EQ(modMain::mainWindow()->windowTitle(), "Untitled.mms -Vellumo");
+    EXPECT_FALSE(modMain::splashShown());
+    EXPECT_EQ(modMain::currentStep(), "ModMain.Main - frmMain.Show");
+}
+
+TEST_F(StartupTest, TheSplashShowsWhenAskedAndClosesItself) {
+    ASSERT_FALSE(modMain::Main({"vellumo"}).has_value());
+    ASSERT_TRUE(modMain::splashShown());
+    frmSplash* splash = modMain::splash();
+    ASSERT_NE(splash, nullptr);
+    EXPECT_TRUE(splash->isVisible());
+    EXPECT_FALSE(splash->isClosing());
+    EXPECT_EQ(AppGlobals::commandLine(), "");
+    QPointer<frmSplash> watched(splash);
+    splash->startPlayback(10);
+    for (int i = 0; i < 100 && watched; ++i)
+        QTest::qWait(10);
+    EXPECT_TRUE(watched.isNull()) << "the splash closes and goes away by itself";
+}
+
+TEST_F(StartupTest, GermanSettingsGiveGermanTextsAndHelp) {
+    setProgramSetting("preferences", "ShowSplash", "0");
+    ASSERT_FALSE(modMain::Main({"vellumo"}).has_value());
+    AppGlobals::settings()->SetProp("preferences", "Language", "de-de");
+    modMain::Shutdown();
+    ASSERT_FALSE(modMain::Main({"vellumo"}).has_value());
+    EXPECT_EQ(AppGlobals::helpFile(), programFile("help/de-de.html"));
+    EXPECT_EQ(modMain::mainWindow()->windowTitle(), "Unbenannt.mms -Vellumo");
+    modMain::mainWindow()->setMessageFileName("/tmp/Grüße an alle.mms");
+    EXPECT_EQ(modMain::mainWindow()->windowTitle(), "Grüße an alle.mms -Vellumo");
+}
+
+TEST_F(StartupTest, ASecondCopyBringsTheFirstForwardWithoutTouchingSettings) {
+    SingleInstance running(SingleInstance::serverNameFor(AppPaths::localAppDataFolder()));
+    ASSERT_TRUE(running.listen());
+    int activations = 0;
+    QObject::connect(&running, &SingleInstance::activationRequested, [&] { ++activations; });
+
+    EXPECT_EQ(modMain::Main({"vellumo"}), 0);
+    for (int i = 0; i < 100 && activations == 0; ++i)
+        QTest::qWait(10);
+    EXPECT_EQ(activations, 1);
+    EXPECT_FALSE(QFileInfo::exists(userFile())) << "the second copy must not open the settings";
+    EXPECT_EQ(modMain::mainWindow(), nullptr);
+}
+
+TEST_F(StartupTest, AFailingStepIsReportedByName) {
+    writeFile(dataFile("Vellumo"), "a file where the settings folder should be");
+    DialogService::queueAnswer(QMessageBox::Ok);
+    EXPECT_EQ(modMain::Main({"vellumo"}), 1);
+    const auto boxes = DialogService::answeredBoxes();
+    ASSERT_EQ(boxes.size(), 1);
+    EXPECT_EQ(boxes[0].title, "Error");
+    EXPECT_TRUE(boxes[0].text.startsWith("An unexpected error occurred.\n\n"));
+    EXPECT_TRUE(boxes[0].text.endsWith("(ModMain.Main - Program Properties)")) << boxes[0].text.toStdString();
+    EXPECT_EQ(modMain::mainWindow(), nullptr);
+}
+
+TEST_F(StartupTest, HelpPathAndCommandLineRules) {
+    clsPropertiesXML settings;
+    settings.Initialize(dataFile("s.xml"), "");
+    EXPECT_EQ(modMain::helpFilePath(settings, "de-de"), "");
+    settings.SetProp("preferences", "Help", "1");
+    EXPECT_EQ(modMain::helpFilePath(settings, "de-de"), programFile("help/de-de.html"));
+    settings.SetProp("paths", "help", "\\docs\\");
+    EXPECT_EQ(modMain::helpFilePath(settings, "xx"), programFile("docs/xx.html"))
+        << "the file need not exist";
+    EXPECT_EQ(modMain::commandLineText({"vellumo", "file.mms"}), " file.mms");
+    EXPECT_EQ(modMain::commandLineText({"vellumo", "a", "b c"}), " a \"b c\"");
+    EXPECT_EQ(modMain::commandLineText({"vellumo"}), "");
+}
