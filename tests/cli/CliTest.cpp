@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 namespace {
-struct Run {
+struct CliRun {
     int exitCode;
     QString out;
     QString err;
@@ -28,7 +28,7 @@ protected:
         return env;
     }
 
-    Run cli(const QStringList& arguments) const {
+    CliRun cli(const QStringList& arguments) const {
         QProcess process;
         process.setProcessEnvironment(environment());
         process.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli", arguments);
@@ -49,14 +49,14 @@ TEST_F(CliTest, SettingsAreReadAndWrittenInTheUsersFile) {
     EXPECT_EQ(cli({"settings", "get", "preferences", "Language"}).out, "en-us");
     EXPECT_EQ(cli({"settings", "get", "nothing", "here", "fallback"}).out, "fallback");
 
-    const Run set = cli({"settings", "set", "preferences", "SlideDuration", "4500"});
+    const CliRun set = cli({"settings", "set", "preferences", "SlideDuration", "4500"});
     EXPECT_EQ(set.exitCode, 0) << set.err.toStdString();
     EXPECT_EQ(cli({"settings", "get", "preferences", "SlideDuration"}).out, "4500");
     EXPECT_TRUE(QFileInfo::exists(m_dataHome.path() + "/Vellumo/archive/Sounds/chime.wav"));
 }
 
 TEST_F(CliTest, BadCommandLinesGiveUsageAndACode) {
-    const Run none = cli({});
+    const CliRun none = cli({});
     EXPECT_EQ(none.exitCode, 64);
     EXPECT_TRUE(none.err.contains("settings get SECTION KEY"));
     EXPECT_EQ(cli({"settings", "get", "onlysection"}).exitCode, 64);
