@@ -18,14 +18,18 @@ State& state() {
 }
 } // namespace
 
-clsPropertiesXML* AppGlobals::settings() { return state().settings.get(); }
+clsPropertiesXML* AppGlobals::settings() {
+    return state().settings.get();
+}
 
 void AppGlobals::installSettings(std::unique_ptr<clsPropertiesXML> settings) {
     state().localizer.reset();
     state().settings = std::move(settings);
 }
 
-clsXMLocalizer* AppGlobals::localizer() { return state().localizer.get(); }
+clsXMLocalizer* AppGlobals::localizer() {
+    return state().localizer.get();
+}
 
 void AppGlobals::installLocalizer(std::unique_ptr<clsXMLocalizer> localizer) {
     state().localizer = std::move(localizer);
@@ -36,14 +40,26 @@ QString AppGlobals::text(const QString& key, const QString& fallback) {
     return localized.isEmpty() ? fallback : localized;
 }
 
-std::uint32_t AppGlobals::userLcid() { return state().userLcid; }
-void AppGlobals::setUserLcid(std::uint32_t lcid) { state().userLcid = lcid; }
+std::uint32_t AppGlobals::userLcid() {
+    return state().userLcid;
+}
+void AppGlobals::setUserLcid(std::uint32_t lcid) {
+    state().userLcid = lcid;
+}
 
-QString AppGlobals::commandLine() { return state().commandLine; }
-void AppGlobals::setCommandLine(const QString& line) { state().commandLine = line; }
+QString AppGlobals::commandLine() {
+    return state().commandLine;
+}
+void AppGlobals::setCommandLine(const QString& line) {
+    state().commandLine = line;
+}
 
-QString AppGlobals::helpFile() { return state().helpFile; }
-void AppGlobals::setHelpFile(const QString& path) { state().helpFile = path; }
+QString AppGlobals::helpFile() {
+    return state().helpFile;
+}
+void AppGlobals::setHelpFile(const QString& path) {
+    state().helpFile = path;
+}
 
 void AppGlobals::shutdown() {
     state().localizer.reset();

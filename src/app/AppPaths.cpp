@@ -18,7 +18,9 @@ QString executableFolder() {
 }
 } // namespace
 
-QString AppPaths::executableBaseName() { return QStringLiteral("vellumo"); }
+QString AppPaths::executableBaseName() {
+    return QStringLiteral("vellumo");
+}
 
 QString AppPaths::programFolder() {
     if (!programFolderOverride().isEmpty())
@@ -45,7 +47,9 @@ QString AppPaths::documentsFolder() {
     return withSlash(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
 }
 
-QString AppPaths::tempFolder() { return withSlash(QDir::tempPath()); }
+QString AppPaths::tempFolder() {
+    return withSlash(QDir::tempPath());
+}
 
 QString AppPaths::toDisk(const QString& storedPath) {
     QString path = storedPath;

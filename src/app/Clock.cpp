@@ -11,4 +11,6 @@ Clock& Clock::instance() {
     return installedClock ? *installedClock : systemClock;
 }
 
-void Clock::install(Clock* clock) { installedClock = clock; }
+void Clock::install(Clock* clock) {
+    installedClock = clock;
+}

@@ -9,12 +9,15 @@ bool isComment(const QString& line) {
     return trimmed.isEmpty() || trimmed.startsWith(QLatin1Char(';'));
 }
 
-QString keyOf(const QString& line) { return line.section(QLatin1Char('='), 0, 0).trimmed(); }
+QString keyOf(const QString& line) {
+    return line.section(QLatin1Char('='), 0, 0).trimmed();
+}
 
 // Values written in matching quotes are read without them.
 QString valueOf(const QString& line) {
     QString value = line.section(QLatin1Char('='), 1).trimmed();
-    if (value.size() >= 2 && (value.front() == QLatin1Char('"') || value.front() == QLatin1Char('\'')) &&
+    if (value.size() >= 2 &&
+        (value.front() == QLatin1Char('"') || value.front() == QLatin1Char('\'')) &&
         value.back() == value.front())
         value = value.mid(1, value.size() - 2);
     return value;

@@ -53,9 +53,8 @@ bool IniMigration::run(clsPropertiesXML& settings) {
 
 QString IniMigration::languageCodeFor(clsPropertiesXML& settings, const QString& languageId) {
     bool ok = false;
-    const unsigned id = languageId.startsWith(QLatin1Char('H'))
-                            ? languageId.mid(1).toUInt(&ok, 16)
-                            : languageId.toUInt(&ok, 10);
+    const unsigned id = languageId.startsWith(QLatin1Char('H')) ? languageId.mid(1).toUInt(&ok, 16)
+                                                                : languageId.toUInt(&ok, 10);
     if (ok) {
         for (const unsigned candidate : {id & 0xFFFFu, id & 0x3FFu}) {
             const QString code = SettingsBootstrap::languageCodeForId(settings, candidate);

@@ -49,7 +49,9 @@ const LocaleRow* findRow(std::uint32_t lcid) {
 }
 } // namespace
 
-QLocale LocaleInfo::systemLocale() { return localeOverride().value_or(QLocale::system()); }
+QLocale LocaleInfo::systemLocale() {
+    return localeOverride().value_or(QLocale::system());
+}
 
 void LocaleInfo::setSystemLocale(const std::optional<QLocale>& locale) {
     localeOverride() = locale;

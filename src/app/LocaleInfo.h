@@ -2,8 +2,8 @@
 
 #include <QLocale>
 #include <QString>
-#include <optional>
 #include <cstdint>
+#include <optional>
 
 // Locale facts in the terms the settings and language files use: Windows
 // language ids (LCIDs) and ANSI code pages. Here the locale comes from the

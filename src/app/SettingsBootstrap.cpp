@@ -40,8 +40,8 @@ bool keepsUserFile(const QString& userFile) {
 } // namespace
 
 QString SettingsBootstrap::userSettingsFile(clsPropertiesXML& programSettings) {
-    const QString folder = AppPaths::withSlash(AppPaths::localAppDataFolder() +
-                                               programSettings.GetProp("paths", "settingsPath", ""));
+    const QString folder = AppPaths::withSlash(
+        AppPaths::localAppDataFolder() + programSettings.GetProp("paths", "settingsPath", ""));
     return folder + AppPaths::executableBaseName() + ".xml";
 }
 

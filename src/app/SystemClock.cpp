@@ -9,4 +9,6 @@ std::uint32_t SystemClock::tickCount() const {
     return static_cast<std::uint32_t>(ms.count());
 }
 
-QDateTime SystemClock::now() const { return QDateTime::currentDateTime(); }
+QDateTime SystemClock::now() const {
+    return QDateTime::currentDateTime();
+}

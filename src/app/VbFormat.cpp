@@ -9,7 +9,9 @@ QString& storedSeparator() {
     return separator;
 }
 
-bool isDigitPlaceholder(QChar c) { return c == QLatin1Char('0') || c == QLatin1Char('#'); }
+bool isDigitPlaceholder(QChar c) {
+    return c == QLatin1Char('0') || c == QLatin1Char('#');
+}
 
 struct Pattern {
     QString prefix;
@@ -74,6 +76,10 @@ std::int64_t VbFormat::toInteger(const QString& text, bool* ok) {
     return parsed ? static_cast<std::int64_t>(std::nearbyint(value)) : 0;
 }
 
-void VbFormat::setDecimalSeparator(const QString& separator) { storedSeparator() = separator; }
+void VbFormat::setDecimalSeparator(const QString& separator) {
+    storedSeparator() = separator;
+}
 
-QString VbFormat::decimalSeparator() { return storedSeparator(); }
+QString VbFormat::decimalSeparator() {
+    return storedSeparator();
+}

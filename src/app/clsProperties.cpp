@@ -19,7 +19,9 @@ QStringList cutList(const QStringList& items, int bufferSize) {
 }
 } // namespace
 
-clsProperties::clsProperties() { SetDefaultIniFileName(); }
+clsProperties::clsProperties() {
+    SetDefaultIniFileName();
+}
 
 void clsProperties::SetDefaultIniFileName() {
     m_iniFileName = AppPaths::programFolder() + AppPaths::executableBaseName() + ".ini";

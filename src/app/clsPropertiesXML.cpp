@@ -5,11 +5,17 @@
 #include <QByteArray>
 
 namespace {
-std::string utf8(const QString& text) { return text.toStdString(); }
-QString fromUtf8(const char* text) { return QString::fromUtf8(text); }
+std::string utf8(const QString& text) {
+    return text.toStdString();
+}
+QString fromUtf8(const char* text) {
+    return QString::fromUtf8(text);
+}
 
 // The first child's text, the way the store reads a KEY's value.
-QString firstChildValue(pugi::xml_node key) { return fromUtf8(key.first_child().value()); }
+QString firstChildValue(pugi::xml_node key) {
+    return fromUtf8(key.first_child().value());
+}
 
 QStringList childNames(pugi::xml_node parent, const char* elementName) {
     QStringList names;
@@ -42,7 +48,9 @@ bool clsPropertiesXML::Initialize(const QString& fileName, const QString& applic
     return m_initialized;
 }
 
-void clsPropertiesXML::Reset() { m_initialized = false; }
+void clsPropertiesXML::Reset() {
+    m_initialized = false;
+}
 
 void clsPropertiesXML::setXmlFileName(const QString& fileName) {
     if (m_initialized)
@@ -89,8 +97,9 @@ QStringList clsPropertiesXML::GetKeyNodes(const QString& section) {
 }
 
 bool clsPropertiesXML::SaveXmlFile() {
-    const bool saved = m_document.save_file(AppPaths::toDisk(m_xmlFileName).toLocal8Bit().constData(),
-                                            "  ", pugi::format_default, pugi::encoding_utf8);
+    const bool saved =
+        m_document.save_file(AppPaths::toDisk(m_xmlFileName).toLocal8Bit().constData(), "  ",
+                             pugi::format_default, pugi::encoding_utf8);
     // A failed write is not reported to the user; the caller sees the result.
     if (saved)
         m_dirty = false;
@@ -215,8 +224,8 @@ pugi::xml_node clsPropertiesXML::findSection(const QString& section) const {
 }
 
 pugi::xml_node clsPropertiesXML::findKey(const QString& section, const QString& key) const {
-    return selectRelative(m_application, "SECTIONS/SECTION[@name='" + section +
-                                             "']/KEY[@name='" + key + "']");
+    return selectRelative(m_application,
+                          "SECTIONS/SECTION[@name='" + section + "']/KEY[@name='" + key + "']");
 }
 
 pugi::xml_node clsPropertiesXML::selectRelative(pugi::xml_node from, const QString& path) const {

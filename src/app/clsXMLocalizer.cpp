@@ -11,7 +11,9 @@
 #include <pugixml.hpp>
 
 namespace {
-QString text(const char* utf8) { return QString::fromUtf8(utf8); }
+QString text(const char* utf8) {
+    return QString::fromUtf8(utf8);
+}
 
 // The control kinds that carry a translatable caption, with the property that
 // holds it. The first class an object inherits decides.
@@ -120,9 +122,8 @@ bool clsXMLocalizer::IsLanguageInstalled(const QString& code) const {
 
 bool clsXMLocalizer::loadLanguageFile(const QString& fileName) {
     pugi::xml_document document;
-    const pugi::xml_parse_result result =
-        document.load_file(fileName.toLocal8Bit().constData(), pugi::parse_default,
-                           pugi::encoding_utf8);
+    const pugi::xml_parse_result result = document.load_file(
+        fileName.toLocal8Bit().constData(), pugi::parse_default, pugi::encoding_utf8);
     m_strings.clear();
     m_translations.clear();
     if (!result) {
@@ -184,7 +185,9 @@ void clsXMLocalizer::translateControl(QObject* control, const QString& windowNam
         control->setProperty("toolTip", toolTip);
 }
 
-QString clsXMLocalizer::GetString(const QString& key) const { return m_strings.value(key); }
+QString clsXMLocalizer::GetString(const QString& key) const {
+    return m_strings.value(key);
+}
 
 QString clsXMLocalizer::GetStringPar(const QString& key, const QStringList& parameters) const {
     QString result = GetString(key);
@@ -222,7 +225,9 @@ int clsXMLocalizer::SetProperFont(QFont& font, int codePage) {
     return row->charSet;
 }
 
-int clsXMLocalizer::GetCodePage(std::uint32_t lcid) { return LocaleInfo::codePageOf(lcid); }
+int clsXMLocalizer::GetCodePage(std::uint32_t lcid) {
+    return LocaleInfo::codePageOf(lcid);
+}
 
 QString clsXMLocalizer::controlKey(const QString& window, const QString& control,
                                    const QString& index, const QString& element) {

@@ -44,8 +44,8 @@ public:
     QString loadError() const { return m_loadError; }
 
     // The caption/tool-tip table key of a control.
-    static QString controlKey(const QString& window, const QString& control,
-                              const QString& index, const QString& element);
+    static QString controlKey(const QString& window, const QString& control, const QString& index,
+                              const QString& element);
 
 private:
     bool loadLanguageFile(const QString& fileName);

@@ -119,10 +119,18 @@ void modMain::Shutdown() {
     AppGlobals::shutdown();
 }
 
-frmMain* modMain::mainWindow() { return state().mainWindow.get(); }
-frmSplash* modMain::splash() { return state().splash.data(); }
-bool modMain::splashShown() { return state().splashShown; }
-QString modMain::currentStep() { return state().step; }
+frmMain* modMain::mainWindow() {
+    return state().mainWindow.get();
+}
+frmSplash* modMain::splash() {
+    return state().splash.data();
+}
+bool modMain::splashShown() {
+    return state().splashShown;
+}
+QString modMain::currentStep() {
+    return state().step;
+}
 
 QString modMain::commandLineText(const QStringList& arguments) {
     QStringList rest;
@@ -143,7 +151,9 @@ QString modMain::helpFilePath(clsPropertiesXML& settings, const QString& languag
     return AppPaths::programFolder() + folder + language + ".html";
 }
 
-void modMain::setStep(const QString& label) { state().step = label; }
+void modMain::setStep(const QString& label) {
+    state().step = label;
+}
 
 void modMain::reportFailure(const QString& description) {
     const QString text = AppGlobals::text("STR_ERROR_UNEXPECTED", "An unexpected error occurred.") +

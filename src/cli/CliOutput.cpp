@@ -2,7 +2,9 @@
 
 #include <QTextStream>
 
-void CliOutput::out(const QString& line) { QTextStream(stdout) << line << Qt::endl; }
+void CliOutput::out(const QString& line) {
+    QTextStream(stdout) << line << Qt::endl;
+}
 
 int CliOutput::error(const QString& message) {
     QTextStream(stderr) << "vellumo-cli: " << message << Qt::endl;

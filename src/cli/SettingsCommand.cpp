@@ -7,7 +7,8 @@
 
 int SettingsCommand::run(const QStringList& arguments) {
     const QString verb = arguments.value(0);
-    const bool get = verb == QLatin1String("get") && (arguments.size() == 3 || arguments.size() == 4);
+    const bool get =
+        verb == QLatin1String("get") && (arguments.size() == 3 || arguments.size() == 4);
     const bool set = verb == QLatin1String("set") && arguments.size() == 4;
     if (!get && !set)
         return CliOutput::usageError(usage());

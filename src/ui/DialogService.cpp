@@ -30,7 +30,9 @@ void DialogService::queueAnswer(QMessageBox::StandardButton answer) {
     script().answers.enqueue(answer);
 }
 
-QList<DialogService::ShownBox> DialogService::answeredBoxes() { return script().answered; }
+QList<DialogService::ShownBox> DialogService::answeredBoxes() {
+    return script().answered;
+}
 
 void DialogService::clear() {
     script().answers.clear();

@@ -20,7 +20,8 @@ void frmHelp::load(const QString& file) {
 }
 
 frmHelp* frmHelp::showFile(const QString& file, QWidget* parent) {
-    auto* window = parent ? parent->findChild<frmHelp*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
+    auto* window =
+        parent ? parent->findChild<frmHelp*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
     if (!window)
         window = new frmHelp(parent);
     window->load(file);

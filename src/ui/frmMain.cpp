@@ -4,12 +4,12 @@
 #include "DialogService.h"
 #include "frmHelp.h"
 
+#include "clsXMLocalizer.h"
 #include <QAction>
 #include <QApplication>
 #include <QFileInfo>
 #include <QLabel>
 #include <QMenuBar>
-#include "clsXMLocalizer.h"
 
 frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
     setObjectName("frmMain");
@@ -79,9 +79,8 @@ void frmMain::showHelp() {
 
 void frmMain::showAbout() {
     const QString version = QApplication::applicationVersion();
-    DialogService::messageBox(this,
-                              applicationTitle() + AppGlobals::text("STR_ABOUT_VERSION", " version: ") +
-                                  version,
-                              AppGlobals::text("APP_PRODUCTNAME", applicationTitle()),
-                              QMessageBox::Ok, QMessageBox::Information);
+    DialogService::messageBox(
+        this, applicationTitle() + AppGlobals::text("STR_ABOUT_VERSION", " version: ") + version,
+        AppGlobals::text("APP_PRODUCTNAME", applicationTitle()), QMessageBox::Ok,
+        QMessageBox::Information);
 }

@@ -46,7 +46,9 @@ void frmSplash::paintEvent(QPaintEvent*) {
     painter.drawPixmap(0, 0, m_picture);
 }
 
-void frmSplash::mousePressEvent(QMouseEvent*) { finish(); }
+void frmSplash::mousePressEvent(QMouseEvent*) {
+    finish();
+}
 
 void frmSplash::finish() {
     m_closing = true;
@@ -70,7 +72,6 @@ QPixmap frmSplash::drawnPicture() {
     subtitle.setPointSize(11);
     subtitle.setBold(false);
     painter.setFont(subtitle);
-    painter.drawText(QRect(0, 130, 420, 30), Qt::AlignCenter,
-                     QApplication::applicationVersion());
+    painter.drawText(QRect(0, 130, 420, 30), Qt::AlignCenter, QApplication::applicationVersion());
     return picture;
 }

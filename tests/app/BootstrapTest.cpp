@@ -25,9 +25,11 @@ TEST_F(BootstrapTest, FirstStartSeedsTheUserFileAndTheArchive) {
     user.Initialize(userFile(), "");
     EXPECT_EQ(user.GetProp("preferences", "Initialized", ""), "1");
     EXPECT_EQ(user.GetProp("preferences", "Language", ""), "en-us");
-    EXPECT_EQ(user.GetProp("preferences", "SlideDuration", ""), "3000") << "seeded from the program";
+    EXPECT_EQ(user.GetProp("preferences", "SlideDuration", ""), "3000")
+        << "seeded from the program";
     EXPECT_EQ(user.GetProp("browserPaths", "Backgrounds", ""), archive() + "Backgrounds");
-    EXPECT_EQ(user.GetProp("preferences", "SavedPictureBrowserPath", ""), archive() + "Backgrounds");
+    EXPECT_EQ(user.GetProp("preferences", "SavedPictureBrowserPath", ""),
+              archive() + "Backgrounds");
     EXPECT_EQ(user.GetProp("browserPaths", "Pictures", ""), archive() + "Pictures");
     EXPECT_EQ(user.GetProp("browserPaths", "Sounds", ""), archive() + "Sounds");
     EXPECT_EQ(user.GetProp("browserPaths", "Animations", ""), archive() + "Animations");

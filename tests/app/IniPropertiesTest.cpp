@@ -55,6 +55,7 @@ TEST_F(IniPropertiesTest, WritingKeepsTheRestOfTheFile) {
 }
 
 TEST_F(IniPropertiesTest, OldFilesInTheWindowsCodePageStillRead) {
-    writeFile(dataFile("latin.ini"), "[s]\r\nname=Gr\xfc\xdf" "e\r\n");
+    writeFile(dataFile("latin.ini"), "[s]\r\nname=Gr\xfc\xdf"
+                                     "e\r\n");
     EXPECT_EQ(iniAt("latin.ini").GetProp("s", "name", ""), QString::fromUtf8("Grüße"));
 }

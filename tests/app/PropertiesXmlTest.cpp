@@ -4,17 +4,18 @@
 #include <QFileInfo>
 
 namespace {
-const QByteArray kStored = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
-                           "<APPLICATIONS>\n"
-                           "    <APPLICATION name=\"other\"/>\n"
-                           "    <APPLICATION name=\"vellumo\"><SECTIONS>\n"
-                           "        <SECTION name=\"preferences\">\n"
-                           "            <KEY name=\"SlideDuration\">3000</KEY>\n"
-                           "            <KEY name=\"Empty\"></KEY>\n"
-                           "        </SECTION>\n"
-                           "        <SECTION name=\"paths\"><KEY name=\"help\">\\help\\</KEY></SECTION>\n"
-                           "    </SECTIONS></APPLICATION>\n"
-                           "</APPLICATIONS>\n";
+const QByteArray kStored =
+    "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n"
+    "<APPLICATIONS>\n"
+    "    <APPLICATION name=\"other\"/>\n"
+    "    <APPLICATION name=\"vellumo\"><SECTIONS>\n"
+    "        <SECTION name=\"preferences\">\n"
+    "            <KEY name=\"SlideDuration\">3000</KEY>\n"
+    "            <KEY name=\"Empty\"></KEY>\n"
+    "        </SECTION>\n"
+    "        <SECTION name=\"paths\"><KEY name=\"help\">\\help\\</KEY></SECTION>\n"
+    "    </SECTIONS></APPLICATION>\n"
+    "</APPLICATIONS>\n";
 } // namespace
 
 class PropertiesXmlTest : public TempDataHome {

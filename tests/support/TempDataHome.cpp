@@ -43,7 +43,9 @@ QString TempDataHome::programFile(const QString& relative) const {
     return m_programFolder + relative;
 }
 
-QString TempDataHome::dataFile(const QString& relative) const { return m_dataHome + relative; }
+QString TempDataHome::dataFile(const QString& relative) const {
+    return m_dataHome + relative;
+}
 
 QString TempDataHome::readFile(const QString& path) {
     QFile file(path);

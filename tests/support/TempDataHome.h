@@ -1,8 +1,8 @@
 #pragma once
 
+#include "QtPrinters.h"
 #include <QString>
 #include <QTemporaryDir>
-#include "QtPrinters.h"
 #include <gtest/gtest.h>
 
 // A test with its own program folder (a copy of the shipped data) and its own

@@ -94,7 +94,8 @@ TEST_F(StartupTest, AFailingStepIsReportedByName) {
     ASSERT_EQ(boxes.size(), 1);
     EXPECT_EQ(boxes[0].title, "Error");
     EXPECT_TRUE(boxes[0].text.startsWith("An unexpected error occurred.\n\n"));
-    EXPECT_TRUE(boxes[0].text.endsWith("(ModMain.Main - Program Properties)")) << boxes[0].text.toStdString();
+    EXPECT_TRUE(boxes[0].text.endsWith("(ModMain.Main - Program Properties)"))
+        << boxes[0].text.toStdString();
     EXPECT_EQ(modMain::mainWindow(), nullptr);
 }
 
