@@ -1,4 +1,6 @@
+#include "AudioCommands.h"
 #include "CliOutput.h"
+#include "ConvertImageCommand.h"
 #include "SettingsCommand.h"
 
 #include <QCoreApplication>
@@ -13,7 +15,13 @@ struct Command {
 
 const std::map<QString, Command>& commands() {
     static const std::map<QString, Command> table{
+        {"amr2wav", {AudioCommands::amr2wav, AudioCommands::amr2wavUsage}},
+        {"convert-image", {ConvertImageCommand::run, ConvertImageCommand::usage}},
+        {"play", {AudioCommands::play, AudioCommands::playUsage}},
         {"settings", {SettingsCommand::run, SettingsCommand::usage}},
+        {"sound-info", {AudioCommands::soundInfo, AudioCommands::soundInfoUsage}},
+        {"trim", {AudioCommands::trim, AudioCommands::trimUsage}},
+        {"wav2amr", {AudioCommands::wav2amr, AudioCommands::wav2amrUsage}},
     };
     return table;
 }

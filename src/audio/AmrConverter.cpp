@@ -1,0 +1,114 @@
+#include "AmrConverter.h"
+
+#include "WavFile.h"
+
+#include <QFile>
+#include <QSaveFile>
+#include <array>
+#include <memory>
+#include <opencore-amrnb/interf_dec.h>
+#include <opencore-amrnb/interf_enc.h>
+
+namespace {
+const QByteArray kMagic("#!AMR\n");
+// Payload bytes after the one-byte frame header, by frame type; reserved types
+// are -1. Type 15 means "no data" and carries nothing.
+constexpr std::array<int, 16> kPayloadBytes{12, 13, 15, 17, 19, 20, 26, 31,
+                                            5,  -1, -1, -1, -1, -1, -1, 0};
+constexpr int kMaxFrameBytes = 32;
+// One-byte "no data" frames decode to 320 bytes each; an hour of sound bounds
+// what a hostile file can make us allocate.
+constexpr qsizetype kMaxPcmBytes = qsizetype(8000) * 2 * 3600;
+
+struct EncoderFree {
+    void operator()(void* s) const { Encoder_Interface_exit(s); }
+};
+struct DecoderFree {
+    void operator()(void* s) const { Decoder_Interface_exit(s); }
+};
+
+bool writeAll(const QString& path, const QByteArray& bytes) {
+    QSaveFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+}
+} // namespace
+
+int AmrConverter::wav2amr(const QString& source, const QString& target) {
+    PcmSound sound;
+    const WavFile::Error error = WavFile::read(source, sound);
+    if (error == WavFile::Error::Unreadable)
+        return SourceUnreadable;
+    if (error != WavFile::Error::None)
+        return CorruptSource;
+    if (sound.format() != PcmFormat{kSampleRate, 1, 16})
+        return WrongFormat;
+
+    std::unique_ptr<void, EncoderFree> encoder(Encoder_Interface_init(0));
+    if (!encoder)
+        return CodecFailed;
+    const auto* samples = reinterpret_cast<const short*>(sound.data().constData());
+    const std::int64_t total = sound.frames();
+    QByteArray out = kMagic;
+    std::array<short, kFrameSamples> block{};
+    std::array<unsigned char, kMaxFrameBytes + 1> frame{};
+    for (std::int64_t at = 0; at < total; at += kFrameSamples) {
+        // The last block is filled up with silence.
+        block.fill(0);
+        std::copy_n(samples + at, std::min<std::int64_t>(kFrameSamples, total - at), block.begin());
+        const int bytes =
+            Encoder_Interface_Encode(encoder.get(), MR122, block.data(), frame.data(), 0);
+        if (bytes <= 0 || bytes > kMaxFrameBytes)
+            return CodecFailed;
+        out.append(reinterpret_cast<const char*>(frame.data()), bytes);
+    }
+    return writeAll(target, out) ? Ok : TargetUnwritable;
+}
+
+int AmrConverter::amr2wav(const QString& source, const QString& target) {
+    QFile file(source);
+    if (!file.open(QIODevice::ReadOnly))
+        return SourceUnreadable;
+    const QByteArray bytes = file.readAll();
+    if (!bytes.startsWith(kMagic))
+        return CorruptSource;
+
+    std::unique_ptr<void, DecoderFree> decoder(Decoder_Interface_init());
+    if (!decoder)
+        return CodecFailed;
+    QByteArray pcm;
+    std::array<unsigned char, kMaxFrameBytes> frame{};
+    std::array<short, kFrameSamples> block{};
+    for (qsizetype pos = kMagic.size(); pos < bytes.size() && pcm.size() < kMaxPcmBytes;) {
+        const int payload = kPayloadBytes[(static_cast<unsigned char>(bytes[pos]) >> 3) & 0x0F];
+        if (payload < 0)
+            return CorruptSource;
+        if (pos + 1 + payload > bytes.size())
+            break; // a frame cut off at the end of the file is dropped
+        frame.fill(0);
+        std::copy_n(bytes.constData() + pos, 1 + payload, frame.begin());
+        Decoder_Interface_Decode(decoder.get(), frame.data(), block.data(), 0);
+        pcm.append(reinterpret_cast<const char*>(block.data()), sizeof block);
+        pos += 1 + payload;
+    }
+    if (pcm.isEmpty())
+        return CorruptSource;
+    return WavFile::write(target, PcmSound({kSampleRate, 1, 16}, pcm)) ? Ok : TargetUnwritable;
+}
+
+QString AmrConverter::errorText(int result) {
+    switch (result) {
+    case Ok:
+        return {};
+    case SourceUnreadable:
+        return QStringLiteral("the source file cannot be read");
+    case WrongFormat:
+        return QStringLiteral("only 8000 Hz 16-bit mono sounds can be converted to AMR");
+    case TargetUnwritable:
+        return QStringLiteral("the target file cannot be written");
+    case CorruptSource:
+        return QStringLiteral("the source file is damaged or of the wrong kind");
+    case CodecFailed:
+        return QStringLiteral("the AMR codec failed");
+    }
+    return QStringLiteral("unknown conversion error %1").arg(result);
+}

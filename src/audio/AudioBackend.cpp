@@ -1,0 +1,11 @@
+#include "AudioBackend.h"
+
+#include "NullAudioBackend.h"
+#include "QtAudioBackend.h"
+
+std::unique_ptr<AudioBackend> AudioBackend::createDefault() {
+    if (qEnvironmentVariable("VELLUMO_AUDIO") != QLatin1String("null"))
+        if (auto device = QtAudioBackend::createIfAvailable())
+            return device;
+    return std::make_unique<NullAudioBackend>();
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "PcmSound.h"
+
+#include <QString>
+#include <memory>
+
+// A sound being played. It starts when created and stops when destroyed.
+class PlaybackStream {
+public:
+    virtual ~PlaybackStream() = default;
+    // Frames of the sound played so far, counted from the first frame given.
+    virtual std::int64_t framesPlayed() const = 0;
+    virtual bool finished() const = 0;
+};
+
+// A recording from the sound input. It starts when created, stops by itself
+// after maxFrames and when stop() is called, and keeps what it captured.
+class CaptureStream {
+public:
+    virtual ~CaptureStream() = default;
+    virtual QByteArray captured() const = 0;
+    virtual bool finished() const = 0;
+    virtual void stop() = 0;
+};
+
+// Where the media commands make sound: a real device, a silent clock, or a
+// test script.
+class AudioBackend {
+public:
+    virtual ~AudioBackend() = default;
+    virtual QString name() const = 0;
+
+    // Plays a 16-bit sound; nullptr when it cannot be played.
+    virtual std::unique_ptr<PlaybackStream> play(const PcmSound& sound) = 0;
+    // Records in the format; nullptr when no input can record it.
+    virtual std::unique_ptr<CaptureStream> record(const PcmFormat& format,
+                                                  std::int64_t maxFrames) = 0;
+
+    // The sound device when one exists, otherwise the silent backend. The
+    // environment variable VELLUMO_AUDIO=null forces the silent one.
+    static std::unique_ptr<AudioBackend> createDefault();
+};

@@ -1,0 +1,196 @@
+#include "FfmpegDecoder.h"
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/opt.h>
+#include <libswresample/swresample.h>
+}
+
+#include <memory>
+
+namespace {
+struct FormatCloser {
+    void operator()(AVFormatContext* c) const { avformat_close_input(&c); }
+};
+struct CodecCloser {
+    void operator()(AVCodecContext* c) const { avcodec_free_context(&c); }
+};
+struct PacketFree {
+    void operator()(AVPacket* p) const { av_packet_free(&p); }
+};
+struct FrameFree {
+    void operator()(AVFrame* f) const { av_frame_free(&f); }
+};
+struct SwrFree {
+    void operator()(SwrContext* s) const { swr_free(&s); }
+};
+using FormatPtr = std::unique_ptr<AVFormatContext, FormatCloser>;
+
+QString avError(int code) {
+    char text[AV_ERROR_MAX_STRING_SIZE] = {};
+    av_strerror(code, text, sizeof text);
+    return QString::fromUtf8(text);
+}
+
+FormatPtr openInput(const QString& path, QString& error) {
+    // Library chatter would end up on the user's terminal; errors reach the caller instead.
+    av_log_set_level(AV_LOG_QUIET);
+    AVFormatContext* raw = nullptr;
+    int rc = avformat_open_input(&raw, path.toUtf8().constData(), nullptr, nullptr);
+    if (rc < 0) {
+        error = avError(rc);
+        return nullptr;
+    }
+    FormatPtr context(raw);
+    rc = avformat_find_stream_info(context.get(), nullptr);
+    if (rc < 0) {
+        error = avError(rc);
+        return nullptr;
+    }
+    return context;
+}
+
+// Turns decoded frames of any sample layout into interleaved 16-bit PCM.
+class Resampler {
+public:
+    bool init(const AVCodecContext& codec, PcmFormat& format, QString& error) {
+        format.sampleRate = codec.sample_rate;
+        format.channels = codec.ch_layout.nb_channels >= 2 ? 2 : 1;
+        format.bitsPerSample = 16;
+        if (!format.isValid()) {
+            error = QStringLiteral("unsupported sample rate or channel count");
+            return false;
+        }
+        AVChannelLayout out;
+        av_channel_layout_default(&out, format.channels);
+        // A stream that only tells its channel count gets the usual layout for it.
+        AVChannelLayout in;
+        if (codec.ch_layout.order == AV_CHANNEL_ORDER_UNSPEC)
+            av_channel_layout_default(&in, codec.ch_layout.nb_channels);
+        else if (av_channel_layout_copy(&in, &codec.ch_layout) < 0)
+            return false;
+        SwrContext* raw = nullptr;
+        const int rc = swr_alloc_set_opts2(&raw, &out, AV_SAMPLE_FMT_S16, format.sampleRate, &in,
+                                           codec.sample_fmt, codec.sample_rate, 0, nullptr);
+        av_channel_layout_uninit(&in);
+        m_swr.reset(raw);
+        if (rc < 0 || swr_init(raw) < 0) {
+            error = QStringLiteral("cannot convert the decoded samples");
+            return false;
+        }
+        m_channels = format.channels;
+        return true;
+    }
+
+    bool append(const AVFrame& frame, QByteArray& out) {
+        if (frame.nb_samples <= 0)
+            return true;
+        const int capacity = swr_get_out_samples(m_swr.get(), frame.nb_samples);
+        if (capacity < 0)
+            return false;
+        const qsizetype start = out.size();
+        out.resize(start + qsizetype(capacity) * m_channels * 2);
+        auto* dest = reinterpret_cast<uint8_t*>(out.data() + start);
+        const int written =
+            swr_convert(m_swr.get(), &dest, capacity,
+                        const_cast<const uint8_t**>(frame.extended_data), frame.nb_samples);
+        out.resize(start + qsizetype(std::max(written, 0)) * m_channels * 2);
+        return written >= 0;
+    }
+
+private:
+    std::unique_ptr<SwrContext, SwrFree> m_swr;
+    int m_channels = 1;
+};
+
+bool openDecoder(AVFormatContext& format, int& streamIndex,
+                 std::unique_ptr<AVCodecContext, CodecCloser>& codec, QString& error) {
+    const AVCodec* decoder = nullptr;
+    streamIndex = av_find_best_stream(&format, AVMEDIA_TYPE_AUDIO, -1, -1, &decoder, 0);
+    if (streamIndex < 0 || !decoder) {
+        error = QStringLiteral("the file holds no sound");
+        return false;
+    }
+    codec.reset(avcodec_alloc_context3(decoder));
+    if (!codec ||
+        avcodec_parameters_to_context(codec.get(), format.streams[streamIndex]->codecpar) < 0 ||
+        avcodec_open2(codec.get(), decoder, nullptr) < 0) {
+        error = QStringLiteral("cannot open the sound decoder");
+        return false;
+    }
+    return true;
+}
+} // namespace
+
+bool FfmpegDecoder::decodeAudio(const QString& path, PcmSound& sound, QString& error,
+                                std::int64_t maxMs) {
+    FormatPtr format = openInput(path, error);
+    if (!format)
+        return false;
+    int streamIndex = -1;
+    std::unique_ptr<AVCodecContext, CodecCloser> codec;
+    if (!openDecoder(*format, streamIndex, codec, error))
+        return false;
+    PcmFormat pcm;
+    Resampler resampler;
+    if (!resampler.init(*codec, pcm, error))
+        return false;
+
+    const qsizetype maxBytes = qsizetype(maxMs * pcm.sampleRate / 1000) * pcm.bytesPerFrame();
+    std::unique_ptr<AVPacket, PacketFree> packet(av_packet_alloc());
+    std::unique_ptr<AVFrame, FrameFree> frame(av_frame_alloc());
+    QByteArray data;
+    bool draining = false;
+    while (data.size() < maxBytes) {
+        if (!draining) {
+            const int rc = av_read_frame(format.get(), packet.get());
+            if (rc < 0) {
+                draining = true;
+                avcodec_send_packet(codec.get(), nullptr);
+            } else {
+                if (packet->stream_index == streamIndex)
+                    avcodec_send_packet(codec.get(), packet.get()); // a damaged packet is skipped
+                av_packet_unref(packet.get());
+            }
+        }
+        int rc = 0;
+        while ((rc = avcodec_receive_frame(codec.get(), frame.get())) == 0) {
+            const bool ok = resampler.append(*frame, data);
+            av_frame_unref(frame.get());
+            if (!ok) {
+                error = QStringLiteral("cannot convert the decoded samples");
+                return false;
+            }
+        }
+        // Once the decoder has been told the input ended, whatever it answers last ends the loop.
+        if (draining)
+            break;
+    }
+    if (data.isEmpty()) {
+        error = QStringLiteral("no sound could be decoded");
+        return false;
+    }
+    data.truncate(std::min(data.size(), maxBytes));
+    sound = PcmSound(pcm, std::move(data));
+    return true;
+}
+
+bool FfmpegDecoder::probe(const QString& path, MediaInfo& info, QString& error) {
+    FormatPtr format = openInput(path, error);
+    if (!format)
+        return false;
+    info = MediaInfo{};
+    for (unsigned i = 0; i < format->nb_streams; ++i) {
+        const AVMediaType type = format->streams[i]->codecpar->codec_type;
+        info.hasAudio |= type == AVMEDIA_TYPE_AUDIO;
+        info.hasVideo |= type == AVMEDIA_TYPE_VIDEO;
+    }
+    if (format->duration != AV_NOPTS_VALUE && format->duration >= 0)
+        info.lengthMs = format->duration / (AV_TIME_BASE / 1000);
+    if (!info.hasAudio && !info.hasVideo) {
+        error = QStringLiteral("the file holds neither sound nor pictures");
+        return false;
+    }
+    return true;
+}

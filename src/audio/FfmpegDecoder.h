@@ -1,0 +1,27 @@
+#pragma once
+
+#include "PcmSound.h"
+
+#include <QString>
+
+// Compressed sounds and video files through FFmpeg: the decoded audio as
+// 16-bit PCM at the file's own rate, and the length of a media file.
+class FfmpegDecoder {
+public:
+    struct MediaInfo {
+        bool hasAudio = false;
+        bool hasVideo = false;
+        std::int64_t lengthMs = -1;
+    };
+
+    // Decodes the first audio stream to 16-bit PCM, mono or stereo (more
+    // channels are mixed down to two). Stops at maxMs so a hostile file cannot
+    // fill memory. The encoder's start delay and end padding are dropped, so
+    // the sample count is the one that was encoded.
+    static bool decodeAudio(const QString& path, PcmSound& sound, QString& error,
+                            std::int64_t maxMs = kMaxDecodeMs);
+    // Stream kinds and the container's length in milliseconds.
+    static bool probe(const QString& path, MediaInfo& info, QString& error);
+
+    static constexpr std::int64_t kMaxDecodeMs = 20LL * 60 * 1000;
+};

@@ -1,0 +1,93 @@
+#include "GifReader.h"
+#include "PictureTestSupport.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace {
+class ConvertImageCliTest : public ::testing::Test {
+protected:
+    QString path(const QString& name) const { return m_folder.filePath(name); }
+
+    ToolRun convert(QStringList arguments) {
+        arguments.prepend("convert-image");
+        return runTool(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli", arguments);
+    }
+
+    const QString m_input = QStringLiteral(VELLUMO_SOURCE_DIR) + "/tests/data/picture/plasma.png";
+    QTemporaryDir m_folder;
+};
+} // namespace
+
+TEST_F(ConvertImageCliTest, EveryFormatRoundTrips) {
+    const std::pair<const char*, const char*> formats[] = {
+        {"bmp", "BMP3"}, {"jpg", "JPEG"}, {"gif", "GIF"}, {"png", "PNG"}, {"wbmp", "WBMP"}};
+    for (auto [extension, magickName] : formats) {
+        const QString out = path(QString("plasma.") + extension);
+        const ToolRun run = convert({m_input, out});
+        ASSERT_EQ(run.exitCode, 0) << extension << ": " << run.err.toStdString();
+        EXPECT_TRUE(run.err.isEmpty());
+        const ToolRun magick = runTool("identify", {"-format", "%m %w %h", out});
+        EXPECT_EQ(magick.out, QByteArray(magickName) + " 160 120") << magick.err.toStdString();
+        // And back again through the program, from the format it wrote.
+        const QString again = path(QString("again.") + extension + ".png");
+        ASSERT_EQ(convert({out, again}).exitCode, 0);
+        EXPECT_EQ(QImage(again).size(), QSize(160, 120));
+    }
+    // PNG and BMP are lossless both ways.
+    ASSERT_EQ(convert({path("plasma.bmp"), path("back.png")}).exitCode, 0);
+    EXPECT_EQ(QImage(path("back.png")).convertToFormat(QImage::Format_RGB32),
+              QImage(m_input).convertToFormat(QImage::Format_RGB32));
+}
+
+TEST_F(ConvertImageCliTest, OptionsReachTheEncoders) {
+    ASSERT_EQ(convert({m_input, path("q20.jpg"), "--quality", "20"}).exitCode, 0);
+    ASSERT_EQ(convert({m_input, path("q95.jpg"), "--quality", "95"}).exitCode, 0);
+    EXPECT_LT(readAll(path("q20.jpg")).size(), readAll(path("q95.jpg")).size());
+
+    ASSERT_EQ(convert({m_input, path("picture.bin"), "--format", "gif", "--interlace",
+                       "--transparent", "FF0000", "--no-dither", "--no-optimize"})
+                  .exitCode,
+              0);
+    const GifFile gif = readGif(readAll(path("picture.bin")));
+    ASSERT_TRUE(gif.error.isEmpty()) << gif.error.toStdString();
+    EXPECT_EQ(gif.imagePacked, 0x40);
+    ASSERT_EQ(gif.extensions.size(), 1u);
+    EXPECT_EQ(gif.extensions[0].label, 0xF9);
+    // In the standard palette pure red is entry 5 * 36 = 180.
+    EXPECT_EQ(gif.extensions[0].header.at(3), char(180));
+    EXPECT_EQ(gif.colourTable.value(180), qRgb(255, 0, 0));
+
+    ASSERT_EQ(convert({m_input, path("r1.wbmp"), "--raster", "1"}).exitCode, 0);
+    ASSERT_EQ(convert({m_input, path("r2.wbmp"), "--raster", "2"}).exitCode, 0);
+    EXPECT_NE(readAll(path("r1.wbmp")), readAll(path("r2.wbmp")));
+    // Header: type, fixed header, 160 in two bytes, 120 in one.
+    EXPECT_EQ(readAll(path("r1.wbmp")).size(), 5 + 20 * 120);
+}
+
+TEST_F(ConvertImageCliTest, FailuresPrintOneLineAndExitNonZero) {
+    QFile text(path("notes.png"));
+    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+    text.write("not a picture");
+    text.close();
+    const QList<QStringList> failures{
+        {path("missing.png"), path("out.png")},
+        {path("notes.png"), path("out.png")},
+        {m_input, path("out.tiff")},
+        {m_input, path("no/such/folder/out.png")},
+    };
+    for (const QStringList& arguments : failures) {
+        const ToolRun run = convert(arguments);
+        EXPECT_EQ(run.exitCode, 1) << arguments.join(' ').toStdString();
+        EXPECT_TRUE(run.err.startsWith("vellumo-cli: convert-image: ")) << run.err.toStdString();
+        EXPECT_EQ(run.err.trimmed().count('\n'), 0) << run.err.toStdString();
+    }
+    for (const QStringList& arguments :
+         {QStringList{m_input}, QStringList{m_input, path("a.jpg"), "--quality", "101"},
+          QStringList{m_input, path("a.wbmp"), "--raster", "4"},
+          QStringList{m_input, path("a.gif"), "--transparent", "red"},
+          QStringList{m_input, path("a.gif"), "--sharpen"}})
+        EXPECT_EQ(convert(arguments).exitCode, 64) << arguments.join(' ').toStdString();
+    EXPECT_FALSE(QFile::exists(path("out.png")));
+}
