@@ -27,6 +27,12 @@ void AppGlobals::installSettings(std::unique_ptr<clsPropertiesXML> settings) {
     state().settings = std::move(settings);
 }
 
+QString AppGlobals::setting(const QString& section, const QString& key,
+                            const QString& defaultValue) {
+    clsPropertiesXML* store = settings();
+    return store ? store->GetProp(section, key, defaultValue) : defaultValue;
+}
+
 clsXMLocalizer* AppGlobals::localizer() {
     return state().localizer.get();
 }

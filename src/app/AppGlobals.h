@@ -16,6 +16,9 @@ public:
     static void installSettings(std::unique_ptr<clsPropertiesXML> settings);
     static bool settingsOpen() { return settings() != nullptr; }
 
+    // A setting from the installed store, or the default when none is installed.
+    static QString setting(const QString& section, const QString& key, const QString& defaultValue);
+
     static clsXMLocalizer* localizer();
     static void installLocalizer(std::unique_ptr<clsXMLocalizer> localizer);
 

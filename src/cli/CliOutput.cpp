@@ -1,5 +1,6 @@
 #include "CliOutput.h"
 
+#include <QStringList>
 #include <QTextStream>
 
 void CliOutput::out(const QString& line) {
@@ -14,4 +15,17 @@ int CliOutput::error(const QString& message) {
 int CliOutput::usageError(const QString& usage) {
     QTextStream(stderr) << "usage: " << usage << Qt::endl;
     return 64;
+}
+
+void CliOutput::warning(const QString& message) {
+    QTextStream(stderr) << "vellumo-cli: warning: " << message << Qt::endl;
+}
+
+QSize CliOutput::parseSize(const QString& text) {
+    const QStringList parts = text.toLower().split(QLatin1Char('x'));
+    bool okWidth = false, okHeight = false;
+    const QSize size(parts.value(0).toInt(&okWidth), parts.value(1).toInt(&okHeight));
+    return parts.size() == 2 && okWidth && okHeight && size.width() > 0 && size.height() > 0
+               ? size
+               : QSize();
 }

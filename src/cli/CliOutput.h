@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSize>
 #include <QString>
 
 // What vellumo-cli prints: results on standard output, one-line errors on
@@ -9,6 +10,10 @@ public:
     static void out(const QString& line);
     // Prints "vellumo-cli: <message>" and returns 1.
     static int error(const QString& message);
+    // Prints "vellumo-cli: warning: <message>" and goes on.
+    static void warning(const QString& message);
+    // Parses "WxH" ("176x144"); an invalid size when the text is not one.
+    static QSize parseSize(const QString& text);
     // Prints the usage text and returns 64, the usual code for a bad command line.
     static int usageError(const QString& usage);
 };

@@ -1,13 +1,22 @@
 #include "AudioCommands.h"
 #include "CliOutput.h"
 #include "ConvertImageCommand.h"
+#include "InfoCommand.h"
+#include "MessageScript.h"
+#include "NewCommand.h"
+#include "PackCommand.h"
+#include "RenderCommand.h"
 #include "SettingsCommand.h"
+#include "UnpackCommand.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <functional>
 #include <map>
 
 namespace {
+int help(const QStringList& arguments);
+QString helpUsage() { return QStringLiteral("vellumo-cli help [new]"); }
+
 struct Command {
     std::function<int(const QStringList&)> run;
     std::function<QString()> usage;
@@ -17,10 +26,15 @@ const std::map<QString, Command>& commands() {
     static const std::map<QString, Command> table{
         {"amr2wav", {AudioCommands::amr2wav, AudioCommands::amr2wavUsage}},
         {"convert-image", {ConvertImageCommand::run, ConvertImageCommand::usage}},
+        {"help", {help, helpUsage}},
+        {"info", {InfoCommand::run, InfoCommand::usage}},
+        {"new", {NewCommand::run, NewCommand::usage}},
+        {"pack", {PackCommand::run, PackCommand::usage}},
         {"play", {AudioCommands::play, AudioCommands::playUsage}},
         {"settings", {SettingsCommand::run, SettingsCommand::usage}},
         {"sound-info", {AudioCommands::soundInfo, AudioCommands::soundInfoUsage}},
         {"trim", {AudioCommands::trim, AudioCommands::trimUsage}},
+        {"unpack", {UnpackCommand::run, UnpackCommand::usage}},
         {"wav2amr", {AudioCommands::wav2amr, AudioCommands::wav2amrUsage}},
     };
     return table;
@@ -32,13 +46,23 @@ QString fullUsage() {
         text += command.usage() + "\n";
     return text.trimmed();
 }
+
+// The options of "new" are too many for one usage line: they have a page of their own.
+int help(const QStringList& arguments) {
+    CliOutput::out(arguments.value(0) == QLatin1String("new") ? MessageScript::help() : fullUsage());
+    return 0;
+}
 } // namespace
 
 int main(int argc, char* argv[]) {
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName("Vellumo");
-    QCoreApplication::setApplicationVersion(VELLUMO_VERSION);
-    const QStringList arguments = QCoreApplication::arguments().mid(1);
+    // Slides are painted with fonts, which need a GUI application; a script
+    // has no window, so it paints off screen unless told otherwise.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName("Vellumo");
+    QGuiApplication::setApplicationVersion(VELLUMO_VERSION);
+    const QStringList arguments = QGuiApplication::arguments().mid(1);
     const auto command = commands().find(arguments.value(0));
     if (command == commands().end())
         return CliOutput::usageError(fullUsage());

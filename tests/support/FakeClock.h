@@ -6,13 +6,19 @@
 class FakeClock : public Clock {
 public:
     FakeClock(std::uint32_t tick, QDateTime now) : m_tick(tick), m_now(std::move(now)) {}
-    std::uint32_t tickCount() const override { return m_tick; }
+    // Every stepEvery-th reading of the tick moves the clock on by one
+    // millisecond, as a real one does while a caller waits on it; 0 never moves.
+    void setStepEvery(int readings) { m_stepEvery = readings; }
+    std::uint32_t tickCount() const override;
     QDateTime now() const override { return m_now; }
     void advance(std::uint32_t ms);
+    int readings() const { return m_readings; }
 
 private:
-    std::uint32_t m_tick;
-    QDateTime m_now;
+    mutable std::uint32_t m_tick;
+    mutable QDateTime m_now;
+    int m_stepEvery = 0;
+    mutable int m_readings = 0;
 };
 
 // Installs a clock for the lifetime of a test scope.

@@ -1,0 +1,44 @@
+#include "CliSession.h"
+
+#include "AppGlobals.h"
+#include "CliOutput.h"
+#include "SettingsBootstrap.h"
+#include "SlideRenderer.h"
+#include "clsPropertiesXML.h"
+
+CliSession::CliSession() {
+    AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
+    useWorkFolder(m_temp.path() + "/work");
+}
+
+CliSession::~CliSession() {
+    AppGlobals::shutdown();
+}
+
+void CliSession::useWorkFolder(const QString& folder) {
+    m_manager.InitializeAt(folder, m_temp.path() + "/archive",
+                           AppGlobals::setting("paths", "messagefile", "message.xml"));
+}
+
+clsMessage* CliSession::open(const QString& file) {
+    int result = 0;
+    clsMessage* message = m_manager.OpenMsg(file, result);
+    if (!message)
+        CliOutput::error(m_manager.lastError());
+    else
+        reportMissingMedia();
+    return message;
+}
+
+void CliSession::setSurface(const QSize& size) {
+    const QString folder = m_manager.GetWorkFolderPath();
+    const QSize surface = size.isValid() ? size : SlideRenderer::surfaceFromSettings();
+    m_manager.setSlideRenderer([folder, surface](const clsSlide& slide, const QString& path) {
+        return SlideRenderer(folder, surface).renderToFile(slide, path);
+    });
+}
+
+void CliSession::reportMissingMedia() const {
+    for (const QString& name : m_manager.missingMedia())
+        CliOutput::warning("missing media file " + name + "; its slide goes on without it");
+}

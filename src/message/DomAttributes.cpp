@@ -1,0 +1,32 @@
+#include "DomAttributes.h"
+
+QString DomAttributes::text(pugi::xml_node node, const char* name) {
+    return QString::fromUtf8(node.attribute(name).value());
+}
+
+qint64 DomAttributes::number(pugi::xml_node node, const char* name) {
+    // Stored numbers are whole; a value written with a fraction keeps its whole part.
+    return static_cast<qint64>(real(node, name));
+}
+
+double DomAttributes::real(pugi::xml_node node, const char* name) {
+    bool ok = false;
+    const double value = text(node, name).trimmed().toDouble(&ok);
+    return ok ? value : 0.0;
+}
+
+void DomAttributes::set(pugi::xml_node node, const char* name, const QString& value) {
+    pugi::xml_attribute attribute = node.attribute(name);
+    if (!attribute)
+        attribute = node.append_attribute(name);
+    attribute.set_value(value.toUtf8().constData());
+}
+
+void DomAttributes::set(pugi::xml_node node, const char* name, qint64 value) {
+    set(node, name, QString::number(value));
+}
+
+pugi::xml_node DomAttributes::child(pugi::xml_node parent, const char* name) {
+    pugi::xml_node node = parent.child(name);
+    return node ? node : parent.append_child(name);
+}

@@ -1,0 +1,129 @@
+#include "SlideRenderer.h"
+
+#include "AppGlobals.h"
+#include "StoredColor.h"
+#include "clsDrawObjects.h"
+#include "clsSlide.h"
+
+#include <QImageReader>
+#include <QPainter>
+#include <QTextOption>
+#include <algorithm>
+
+namespace {
+Qt::Alignment alignmentOf(int stored) {
+    switch (stored) {
+    case 1:
+        return Qt::AlignRight;
+    case 2:
+        return Qt::AlignHCenter;
+    default:
+        return Qt::AlignLeft;
+    }
+}
+
+// Sizes are points at 96 dots per inch, whatever screen the program runs on,
+// so a saved picture looks the same everywhere.
+QFont fontOf(const DrawObjectProperties& p) {
+    QFont font(p.fontName.isEmpty() ? QStringLiteral("Verdana") : p.fontName);
+    font.setPixelSize(std::max(1, qRound((p.fontSize > 0 ? p.fontSize : 8.0) * 96.0 / 72.0)));
+    font.setBold(p.bold);
+    font.setItalic(p.italic);
+    font.setUnderline(p.underline);
+    return font;
+}
+
+std::vector<const clsDrawObject*> inStackingOrder(const clsDrawObjects& objects) {
+    std::vector<const clsDrawObject*> ordered;
+    for (const auto& object : objects)
+        ordered.push_back(object.get());
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [](auto* a, auto* b) { return a->zorder() < b->zorder(); });
+    return ordered;
+}
+} // namespace
+
+SlideRenderer::SlideRenderer(QString workFolder, QSize surfaceSize)
+    : m_workFolder(std::move(workFolder)), m_surface(surfaceSize) {}
+
+void SlideRenderer::paint(QPainter& painter, const clsDrawObjects& objects,
+                          const QRectF& target) const {
+    m_missing.clear();
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    painter.translate(target.topLeft());
+    painter.scale(target.width() / m_surface.width(), target.height() / m_surface.height());
+    painter.setClipRect(QRectF(QPointF(0, 0), QSizeF(m_surface)));
+    paintBackground(painter, objects, QSizeF(m_surface));
+    for (const clsDrawObject* object : inStackingOrder(objects)) {
+        if (object->typ() == QLatin1String("image"))
+            paintImage(painter, *object);
+        else if (object->typ() == QLatin1String("text"))
+            paintText(painter, *object);
+    }
+    painter.restore();
+}
+
+QImage SlideRenderer::render(const clsDrawObjects& objects, QSize target) const {
+    QImage picture(target, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    QPainter painter(&picture);
+    paint(painter, objects, QRectF(QPointF(0, 0), QSizeF(target)));
+    return picture;
+}
+
+bool SlideRenderer::renderToFile(const clsSlide& slide, const QString& path) const {
+    const QImage picture = slide.image().isNull() ? render(slide.DrawObjects()) : slide.image();
+    return picture.convertToFormat(QImage::Format_RGB888).save(path, "BMP");
+}
+
+QSize SlideRenderer::surfaceFromSettings() {
+    const QStringList fields =
+        AppGlobals::setting("preferences", "PhoneImageSize", "160,120,0").split(',');
+    const int width = fields.value(0).toInt();
+    const int height = fields.value(1).toInt();
+    return width > 0 && height > 0 ? QSize(width, height) : QSize(160, 120);
+}
+
+void SlideRenderer::paintBackground(QPainter& painter, const clsDrawObjects& objects,
+                                    QSizeF surface) const {
+    const QRectF area(QPointF(0, 0), surface);
+    painter.fillRect(area, StoredColor::toQColor(objects.BackColor()));
+    if (objects.BackType() == clsDrawObjects::BackColorOnly || objects.BackPicture().isEmpty())
+        return;
+    const QImage picture =
+        objects.BackGround().isNull() ? load(objects.BackPicture()) : objects.BackGround();
+    if (!picture.isNull())
+        painter.drawImage(area, picture);
+}
+
+void SlideRenderer::paintImage(QPainter& painter, const clsDrawObject& object) const {
+    const QImage picture = load(object.image());
+    if (!picture.isNull())
+        painter.drawImage(QRectF(object.XPos(), object.Ypos(), object.Width(), object.Height()),
+                          picture);
+}
+
+void SlideRenderer::paintText(QPainter& painter, const clsDrawObject& object) const {
+    const DrawObjectProperties p = object.GetAllPproperties();
+    painter.save();
+    const QRectF box(p.x, p.y, p.w, p.h);
+    painter.setClipRect(box, Qt::IntersectClip);
+    painter.setFont(fontOf(p));
+    painter.setPen(StoredColor::toQColor(p.fontColor));
+    QTextOption option(alignmentOf(p.fontAlign) | Qt::AlignTop);
+    option.setWrapMode(QTextOption::WordWrap);
+    QString text = p.text;
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    painter.drawText(box, text, option);
+    painter.restore();
+}
+
+QImage SlideRenderer::load(const QString& fileName) const {
+    QImageReader reader(m_workFolder + fileName);
+    const QImage picture = reader.read();
+    if (picture.isNull() && !m_missing.contains(fileName))
+        m_missing << fileName;
+    return picture;
+}

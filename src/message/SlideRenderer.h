@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+class QPainter;
+class QRectF;
+class clsDrawObject;
+class clsDrawObjects;
+class clsSlide;
+
+// Paints a slide picture from its draw objects: the background colour, the
+// background picture stretched over the surface, then image and text objects
+// in stacking order. Object positions are pixels of the editing surface
+// (surfaceSize); any target size is reached by scaling.
+class SlideRenderer {
+public:
+    SlideRenderer(QString workFolder, QSize surfaceSize);
+
+    void paint(QPainter& painter, const clsDrawObjects& objects, const QRectF& target) const;
+    QImage render(const clsDrawObjects& objects, QSize target) const;
+    QImage render(const clsDrawObjects& objects) const { return render(objects, m_surface); }
+    // The slide's picture as a bitmap file: its in-memory image when it has
+    // one, else its draw objects rendered at the surface size.
+    bool renderToFile(const clsSlide& slide, const QString& path) const;
+
+    // Work-folder files that the last paint could not load.
+    QStringList missingFiles() const { return m_missing; }
+
+    // The surface size of "PhoneImageSize" ("160,120,0" gives 160 x 120).
+    static QSize surfaceFromSettings();
+
+private:
+    void paintBackground(QPainter& painter, const clsDrawObjects& objects, QSizeF surface) const;
+    void paintImage(QPainter& painter, const clsDrawObject& object) const;
+    void paintText(QPainter& painter, const clsDrawObject& object) const;
+    QImage load(const QString& fileName) const;
+
+    QString m_workFolder;
+    QSize m_surface;
+    mutable QStringList m_missing;
+};

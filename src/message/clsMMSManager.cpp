@@ -1,0 +1,275 @@
+#include "clsMMSManager.h"
+
+#include "AppError.h"
+#include "AppGlobals.h"
+#include "AppPaths.h"
+#include "ImageWriter.h"
+#include "SlideRenderer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+
+namespace {
+const QChar kQuote = QLatin1Char('"');
+
+QString quoted(const QString& text) {
+    return kQuote + text + kQuote;
+}
+
+qsizetype lastSeparator(const QString& path) {
+    return std::max(path.lastIndexOf(QLatin1Char('\\')), path.lastIndexOf(QLatin1Char('/')));
+}
+
+QString withoutTrailingSlash(QString folder) {
+    while (folder.size() > 1 && folder.endsWith(QLatin1Char('/')))
+        folder.chop(1);
+    return folder;
+}
+} // namespace
+
+clsMMSManager::clsMMSManager(QObject* parent) : QObject(parent) {}
+
+clsMMSManager::~clsMMSManager() = default;
+
+void clsMMSManager::Initialize(const QString& workSubPath, const QString& userArchiveSubPath,
+                               const QString& messageFileName) {
+    InitializeAt(AppPaths::localAppDataFolder() + workSubPath,
+                 AppPaths::localAppDataFolder() + userArchiveSubPath, messageFileName);
+}
+
+void clsMMSManager::InitializeAt(const QString& workFolder, const QString& userArchive,
+                                 const QString& messageFileName) {
+    m_workFolder = AppPaths::withSlash(workFolder);
+    m_userArchive = AppPaths::withSlash(userArchive);
+    m_messageFileName = messageFileName;
+    AppPaths::createPath(m_workFolder);
+    AppPaths::createPath(m_userArchive);
+    m_renderer = defaultSlideRenderer();
+}
+
+void clsMMSManager::InitializeFromSettings() {
+    Initialize(AppGlobals::setting("paths", "workPath", "Vellumo\\work\\"),
+               AppGlobals::setting("paths", "userArchive", "Vellumo\\archive\\"),
+               AppGlobals::setting("paths", "messagefile", "message.xml"));
+}
+
+QString clsMMSManager::GetSaveMessagePath(const QString& fallback) const {
+    const QString saved = AppGlobals::setting("preferences", "SaveMessagePath", "");
+    if (!saved.isEmpty())
+        return AppPaths::withSlash(saved);
+    const QString documents = GetSpecialFolderPath(Documents);
+    return documents.isEmpty() ? fallback : documents;
+}
+
+QString clsMMSManager::GetSpecialFolderPath(int folder) {
+    switch (folder) {
+    case Documents:
+        return AppPaths::documentsFolder();
+    case LocalAppData:
+        return AppPaths::localAppDataFolder();
+    default:
+        return QString();
+    }
+}
+
+QString clsMMSManager::GetTempFolderPath(const QString& subFolder) {
+    const QString folder = AppPaths::withSlash(AppPaths::tempFolder() + subFolder);
+    AppPaths::createPath(folder);
+    return folder;
+}
+
+bool clsMMSManager::DeleteFolder(const QString& folder) {
+    return QDir(AppPaths::toDisk(folder)).removeRecursively();
+}
+
+QString clsMMSManager::GetFilenameFromPath(const QString& path, bool keepExtension) {
+    QString name = path.mid(lastSeparator(path) + 1);
+    if (!keepExtension && name.contains(QLatin1Char('.')))
+        name.truncate(name.lastIndexOf(QLatin1Char('.')));
+    return name;
+}
+
+QString clsMMSManager::GetPathFromFilename(const QString& path, int keepSeparator) {
+    const qsizetype separator = lastSeparator(path);
+    if (separator < 0)
+        return QString();
+    return path.left(keepSeparator > 0 ? separator + 1 : separator);
+}
+
+QString clsMMSManager::GetFilenameExtension(const QString& fileName) {
+    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
+    return dot < 0 ? QString() : fileName.mid(dot);
+}
+
+QString clsMMSManager::ReplaceFilenameExtension(const QString& fileName, const QString& extension) {
+    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
+    return dot < 0 ? extension : fileName.left(dot + 1) + extension;
+}
+
+QString clsMMSManager::GetUniqueFileName(const QString& prefix, const QString& fileName) {
+    return m_namer.next(prefix, GetFilenameExtension(fileName).toLower());
+}
+
+QString clsMMSManager::SaveFileToWorkFolder(const QString& prefix, const QString& source,
+                                            const QString& extension) {
+    const QString name = UniqueNamer::immediate(
+        prefix, extension.isEmpty() ? GetFilenameExtension(source) : extension);
+    QFile::remove(m_workFolder + name);
+    QFile::copy(AppPaths::toDisk(source), m_workFolder + name);
+    return name;
+}
+
+void clsMMSManager::DeleteWorkFolderFile(const QString& fileName) {
+    if (!fileName.isEmpty())
+        QFile::remove(m_workFolder + fileName);
+}
+
+void clsMMSManager::SavePictureBoxImage(const QImage& picture, int format, const QString& path) {
+    clsPropertiesXML* settings = AppGlobals::settings();
+    ImageWriter::write(picture, format, AppPaths::toDisk(path),
+                       settings ? ImageWriter::readSettings(*settings) : ImageWriter::Settings{});
+}
+
+clsMessage* clsMMSManager::CreateMsg() {
+    emptyWorkFolder();
+    m_message = newMessage(QString(), QString());
+    applyDefaults(*m_message);
+    m_current = true;
+    m_missingMedia.clear();
+    return m_message.get();
+}
+
+clsMessage* clsMMSManager::OpenMsg(const QString& path, int& result) {
+    emptyWorkFolder();
+    m_missingMedia.clear();
+    m_lastError.clear();
+    const QString archive = AppPaths::toDisk(path);
+    if (!m_tar.isArchive(archive) ||
+        !runTar("--use-directory=0 --display-dialog=0 -xvf " + quoted(archive) + " -o  " +
+                quoted(withoutTrailingSlash(m_workFolder)))) {
+        if (m_lastError.isEmpty())
+            m_lastError = archive + " is not a message file.";
+        // Nothing half-unpacked stays behind.
+        emptyWorkFolder();
+        result = OpenNotArchive;
+        return nullptr;
+    }
+    m_message = newMessage(m_workFolder + m_messageFileName, GetFilenameFromPath(path, false));
+    m_current = m_message->version() == QLatin1String("2.0");
+    if (m_current) {
+        applyDefaults(*m_message);
+        dropMissingMedia(*m_message);
+        loadSlidePictures(*m_message);
+    }
+    m_message->setChanged(false);
+    result = OpenOk;
+    return m_message.get();
+}
+
+bool clsMMSManager::SaveMsg(const QString& path) {
+    m_lastError.clear();
+    if (!m_message) {
+        m_lastError = QStringLiteral("There is no message to save.");
+        return false;
+    }
+    if (!m_message->SaveMessage(m_workFolder + m_messageFileName)) {
+        m_lastError = m_message->lastError();
+        return false;
+    }
+    // The engine writes beside the target and renames, so the old file
+    // survives any failure.
+    if (!runTar("--display-dialog=0 -cvfz " + quoted(AppPaths::toDisk(path)) + " " +
+                quoted(withoutTrailingSlash(m_workFolder) + "\\*.*")))
+        return false;
+    m_message->setChanged(false);
+    return true;
+}
+
+clsMessage* clsMMSManager::AdoptWorkFolderMessage() {
+    m_missingMedia.clear();
+    m_message = newMessage(m_workFolder + m_messageFileName, QString());
+    m_current = m_message->version() == QLatin1String("2.0");
+    applyDefaults(*m_message);
+    return m_message.get();
+}
+
+void clsMMSManager::setSlideRenderer(clsMessage::SlideRenderer renderer) {
+    m_renderer = std::move(renderer);
+}
+
+clsMessage::SlideRenderer clsMMSManager::defaultSlideRenderer() const {
+    return [folder = m_workFolder](const clsSlide& slide, const QString& path) {
+        return SlideRenderer(folder, SlideRenderer::surfaceFromSettings())
+            .renderToFile(slide, path);
+    };
+}
+
+void clsMMSManager::emptyWorkFolder() {
+    QDir folder(m_workFolder);
+    for (const QString& name : folder.entryList(QDir::Files | QDir::Hidden | QDir::System))
+        folder.remove(name);
+}
+
+bool clsMMSManager::runTar(const QString& commandLine) {
+    QString output;
+    if (m_tar.run(commandLine, &output) == 0)
+        return true;
+    m_lastError = m_tar.lastError();
+    return false;
+}
+
+std::unique_ptr<clsMessage> clsMMSManager::newMessage(const QString& xmlPath, const QString& name) {
+    auto message = std::make_unique<clsMessage>();
+    message->Initialize(xmlPath, name, m_workFolder);
+    // Progress for each slide as it is rendered into the message file.
+    const clsMessage* self = message.get();
+    message->setSlideRenderer([this, self](const clsSlide& slide, const QString& target) {
+        emit ProsessingSlide(slide.index(), self->Slides().Count());
+        return m_renderer && m_renderer(slide, target);
+    });
+    return message;
+}
+
+void clsMMSManager::applyDefaults(clsMessage& message) const {
+    message.setDefaultDuration(
+        AppGlobals::setting("preferences", "SlideDuration", "3000").toLongLong());
+    message.setDefaultColor(
+        AppGlobals::setting("preferences", "BackgroundColor", "0").toLongLong());
+}
+
+void clsMMSManager::loadSlidePictures(clsMessage& message) {
+    const int count = message.Slides().Count();
+    for (const auto& slide : message.Slides()) {
+        emit ProsessingSlide(slide->index(), count);
+        if (slide->DrawObjects().BackType() == clsDrawObjects::BackAnimated)
+            continue;
+        // A missing or unreadable slide file leaves the slide with an empty picture.
+        slide->setImage(QImageReader(m_workFolder + slide->SlideFileName()).read());
+    }
+}
+
+void clsMMSManager::dropMissingMedia(clsMessage& message) {
+    auto missing = [this](const QString& name) {
+        const bool gone = !name.isEmpty() && !QFileInfo::exists(m_workFolder + name);
+        if (gone)
+            m_missingMedia << name;
+        return gone;
+    };
+    for (const auto& slide : message.Slides()) {
+        if (missing(slide->Sound())) {
+            slide->setSound(QString());
+            slide->setSoundName(QString());
+            slide->setSoundDuration(0);
+        }
+        clsDrawObjects& objects = slide->DrawObjects();
+        if (missing(objects.BackPicture())) {
+            objects.setBackPicture(QString());
+            objects.setBackType(clsDrawObjects::BackColorOnly);
+        }
+        for (int i = objects.Count(); i >= 1; --i)
+            if (objects.Item(i).typ() == QLatin1String("image") && missing(objects.Item(i).image()))
+                objects.Remove(i);
+    }
+}

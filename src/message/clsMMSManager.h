@@ -1,0 +1,97 @@
+#pragma once
+
+#include "TarEngine.h"
+#include "UniqueNamer.h"
+#include "clsMessage.h"
+
+#include <QImage>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+// The files of the message being composed: the work folder and its unique
+// names, new, open and save of ".mms" files (a gzip-compressed tar of the work
+// folder) and pictures written in the configured format.
+class clsMMSManager : public QObject {
+    Q_OBJECT
+public:
+    enum OpenResult { OpenOk = 0, OpenNotArchive = 2 };
+    enum SpecialFolder { Documents = 5, LocalAppData = 28 };
+
+    explicit clsMMSManager(QObject* parent = nullptr);
+    ~clsMMSManager() override;
+
+    // Sub-paths below the local application-data folder; creates both folders.
+    void Initialize(const QString& workSubPath, const QString& userArchiveSubPath,
+                    const QString& messageFileName);
+    // Initialize with "workPath", "userArchive" and "messagefile" of section "paths".
+    void InitializeFromSettings();
+    // The same with folders given whole, for scripts that work elsewhere.
+    void InitializeAt(const QString& workFolder, const QString& userArchive,
+                      const QString& messageFileName);
+
+    QString GetWorkFolderPath() const { return m_workFolder; }
+    QString GetUserArchivePath() const { return m_userArchive; }
+    QString messageFileName() const { return m_messageFileName; }
+    QString GetSaveMessagePath(const QString& fallback = QString()) const;
+    static QString GetSpecialFolderPath(int folder);
+    static QString GetTempFolderPath(const QString& subFolder);
+    static bool DeleteFolder(const QString& folder);
+
+    // Both "/" and "\" separate folders.
+    static QString GetFilenameFromPath(const QString& path, bool keepExtension);
+    // The separator is kept only for a positive flag; a true stored as -1 drops it.
+    static QString GetPathFromFilename(const QString& path, int keepSeparator);
+    static QString GetFilenameExtension(const QString& fileName);
+    static QString ReplaceFilenameExtension(const QString& fileName, const QString& extension);
+
+    QString GetUniqueFileName(const QString& prefix, const QString& fileName);
+    QString SaveFileToWorkFolder(const QString& prefix, const QString& source,
+                                 const QString& extension);
+    void DeleteWorkFolderFile(const QString& fileName);
+    // Throws AppError when the picture cannot be written.
+    void SavePictureBoxImage(const QImage& picture, int format, const QString& path);
+
+    clsMessage* CreateMsg();
+    clsMessage* OpenMsg(const QString& path, int& result);
+    bool SaveMsg(const QString& path);
+    // Takes the message XML lying in the work folder as the current message,
+    // without emptying the folder; its slide pictures are rendered anew on save.
+    clsMessage* AdoptWorkFolderMessage();
+
+    clsMessage* message() const { return m_message.get(); }
+    // Whether the opened message is of the version this program writes.
+    bool isCurrentMessage() const { return m_current; }
+    // Media the last OpenMsg found missing; their slides were left without them.
+    QStringList missingMedia() const { return m_missingMedia; }
+    // Why the last open or save failed.
+    QString lastError() const { return m_lastError; }
+
+    // How slide pictures are rendered when a message is saved.
+    void setSlideRenderer(clsMessage::SlideRenderer renderer);
+    // A renderer for this work folder at the surface size of the settings.
+    clsMessage::SlideRenderer defaultSlideRenderer() const;
+
+signals:
+    void ProsessingSlide(int slide, int count);
+
+private:
+    void emptyWorkFolder();
+    bool runTar(const QString& commandLine);
+    std::unique_ptr<clsMessage> newMessage(const QString& xmlPath, const QString& name);
+    void applyDefaults(clsMessage& message) const;
+    void loadSlidePictures(clsMessage& message);
+    void dropMissingMedia(clsMessage& message);
+
+    QString m_workFolder;
+    QString m_userArchive;
+    QString m_messageFileName;
+    UniqueNamer m_namer;
+    TarEngine m_tar;
+    std::unique_ptr<clsMessage> m_message;
+    clsMessage::SlideRenderer m_renderer;
+    bool m_current = false;
+    QStringList m_missingMedia;
+    QString m_lastError;
+};

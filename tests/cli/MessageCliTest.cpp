@@ -1,0 +1,151 @@
+#include "QtPrinters.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+// Messages built, inspected, unpacked and packed the way a user's script does.
+class MessageCliTest : public ::testing::Test {
+protected:
+    struct Result {
+        int code;
+        QString out;
+        QString err;
+    };
+
+    Result cli(const QStringList& arguments) const {
+        QProcess process;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("XDG_DATA_HOME", m_home.path() + "/xdg");
+        process.setProcessEnvironment(env);
+        process.setWorkingDirectory(m_home.path());
+        process.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli", arguments);
+        EXPECT_TRUE(process.waitForFinished(120000));
+        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
+
+    QStringList tarList(const QString& file) const {
+        QProcess tar;
+        tar.start("tar", {"tzf", file});
+        tar.waitForFinished();
+        QStringList names =
+            QString::fromUtf8(tar.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+        names.sort();
+        return names;
+    }
+
+    QString path(const QString& name) const { return m_home.path() + "/" + name; }
+    static QString archive(const QString& file) {
+        return QStringLiteral(VELLUMO_SOURCE_DIR) + "/data/archive/" + file;
+    }
+
+    QTemporaryDir m_home;
+};
+
+TEST_F(MessageCliTest, AScriptedMessageSavesFlatAndReadsBack) {
+    const Result made = cli({"new",
+                             "card.mms",
+                             "--name",
+                             "Card",
+                             "--slide",
+                             "4000",
+                             "--color",
+                             "FFFFCC",
+                             "--image",
+                             archive("Pictures/star.gif"),
+                             "10,10,40,40",
+                             "--text",
+                             "Happy birthday",
+                             "10,60,140,40",
+                             "--font",
+                             "DejaVu Sans",
+                             "--font-size",
+                             "14",
+                             "--bold",
+                             "--align",
+                             "center",
+                             "--font-color",
+                             "CC0000",
+                             "--slide",
+                             "--background",
+                             archive("Backgrounds/sky_gradient.jpg"),
+                             "--sound",
+                             archive("Sounds/chime.wav"),
+                             "--slide-text",
+                             "two\nlines",
+                             "--slide",
+                             "--background",
+                             archive("Animations/bouncing_ball.gif")});
+    ASSERT_EQ(made.code, 0) << made.err.toStdString();
+
+    const QStringList members = tarList(path("card.mms"));
+    ASSERT_EQ(members.size(), 8) << members.join(' ').toStdString();
+    EXPECT_EQ(members.filter(QRegularExpression("^Slide_[123]\\.(bmp|gif)$")),
+              QStringList({"Slide_1.bmp", "Slide_2.bmp", "Slide_3.gif"}));
+    EXPECT_TRUE(members.contains("message.xml"));
+    for (const QString& name : members)
+        EXPECT_FALSE(name.contains('/')) << name.toStdString();
+
+    const Result info = cli({"info", "card.mms"});
+    ASSERT_EQ(info.code, 0) << info.err.toStdString();
+    EXPECT_TRUE(info.out.contains("name: Card\nversion: 2.0\nslides: 3\n"));
+    EXPECT_TRUE(info.out.contains("slide 1: duration 4000 ms, file Slide_1.bmp"));
+    EXPECT_TRUE(info.out.contains("  background: kind 0 colour #FFFFCC"));
+    EXPECT_TRUE(info.out.contains("text \"Happy birthday\" at 10,60 size 140x40 zorder 2 font "
+                                  "\"DejaVu Sans\" 14 colour #CC0000 align center bold"));
+    EXPECT_TRUE(info.out.contains("slide 2: duration 1600 ms")) << "the sound sets the time";
+    EXPECT_TRUE(info.out.contains("\"chime\" 1600 ms"));
+    EXPECT_TRUE(info.out.contains("  text: \"two\\nlines\""));
+    EXPECT_TRUE(info.out.contains("kind 2 colour #FFFFFF file B"));
+    EXPECT_TRUE(info.out.contains(".gif duration 800 ms")) << info.out.toStdString();
+
+    ASSERT_EQ(cli({"render", "card.mms", "1", "one.png", "--size", "320x240"}).code, 0);
+    const QImage one(path("one.png"));
+    EXPECT_EQ(one.size(), QSize(320, 240));
+    EXPECT_EQ(one.pixelColor(300, 10), QColor(0xFF, 0xFF, 0xCC));
+}
+
+TEST_F(MessageCliTest, UnpackAndPackGoBothWays) {
+    ASSERT_EQ(cli({"new", "a.mms", "--slide", "--text", "hi", "0,0,50,20", "--slide"}).code, 0);
+    const Result unpacked = cli({"unpack", "a.mms", "folder"});
+    ASSERT_EQ(unpacked.code, 0) << unpacked.err.toStdString();
+    QStringList files = QDir(path("folder")).entryList(QDir::Files, QDir::Name);
+    EXPECT_EQ(files, QStringList({"Slide_1.bmp", "Slide_2.bmp", "message.xml"}));
+
+    EXPECT_EQ(cli({"unpack", "a.mms", "folder"}).code, 1) << "a folder with files is refused";
+    QFile::remove(path("folder/Slide_2.bmp"));
+    ASSERT_EQ(cli({"pack", "folder", "b.mms"}).code, 0);
+    EXPECT_EQ(tarList(path("b.mms")), QStringList({"Slide_1.bmp", "Slide_2.bmp", "message.xml"}))
+        << "slide files are rendered anew";
+    EXPECT_EQ(cli({"pack", "nothing-here", "c.mms"}).code, 1);
+    EXPECT_FALSE(QFileInfo::exists(path("c.mms")));
+}
+
+TEST_F(MessageCliTest, BadInputGetsAClearAnswer) {
+    QFile text(path("x.mms"));
+    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+    text.write("not a message at all");
+    text.close();
+    const Result notArchive = cli({"unpack", "x.mms", "out"});
+    EXPECT_EQ(notArchive.code, 2);
+    EXPECT_TRUE(notArchive.err.contains("not a message file"));
+    EXPECT_TRUE(QDir(path("out")).isEmpty());
+    EXPECT_EQ(cli({"info", "x.mms"}).code, 2);
+
+    const Result noSlide = cli({"new", "y.mms", "--color", "FF0000"});
+    EXPECT_EQ(noSlide.code, 1);
+    EXPECT_TRUE(noSlide.err.contains("--color needs a --slide before it"));
+    const Result badRect = cli({"new", "y.mms", "--slide", "--text", "t", "1,2,3"});
+    EXPECT_TRUE(badRect.err.contains("--text expects X,Y,W,H"));
+    const Result missing = cli({"new", "y.mms", "--slide", "--sound", "/no/such.wav"});
+    EXPECT_TRUE(missing.err.contains("cannot read /no/such.wav"));
+    EXPECT_FALSE(QFileInfo::exists(path("y.mms")));
+    EXPECT_EQ(cli({"render", "x.mms", "one", "z.png"}).code, 64);
+    EXPECT_TRUE(cli({"help", "new"}).out.contains("--font-color RRGGBB"));
+}
