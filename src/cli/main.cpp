@@ -9,9 +9,12 @@
 #include "SettingsCommand.h"
 #include "UnpackCommand.h"
 
+#include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <functional>
 #include <map>
+#include <unistd.h>
 
 namespace {
 int help(const QStringList& arguments);
@@ -31,6 +34,7 @@ const std::map<QString, Command>& commands() {
         {"new", {NewCommand::run, NewCommand::usage}},
         {"pack", {PackCommand::run, PackCommand::usage}},
         {"play", {AudioCommands::play, AudioCommands::playUsage}},
+        {"render", {RenderCommand::run, RenderCommand::usage}},
         {"settings", {SettingsCommand::run, SettingsCommand::usage}},
         {"sound-info", {AudioCommands::soundInfo, AudioCommands::soundInfoUsage}},
         {"trim", {AudioCommands::trim, AudioCommands::trimUsage}},
@@ -47,6 +51,17 @@ QString fullUsage() {
     return text.trimmed();
 }
 
+// Without a session (a service, root in a terminal) the platform complains on
+// standard error, which belongs to our own messages; give it its folder quietly.
+void ensureRuntimeFolder() {
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
+        return;
+    const QString folder = QDir::tempPath() + "/runtime-" + QString::number(getuid());
+    QDir().mkpath(folder);
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("XDG_RUNTIME_DIR", folder.toLocal8Bit());
+}
+
 // The options of "new" are too many for one usage line: they have a page of their own.
 int help(const QStringList& arguments) {
     CliOutput::out(arguments.value(0) == QLatin1String("new") ? MessageScript::help() : fullUsage());
@@ -59,6 +74,7 @@ int main(int argc, char* argv[]) {
     // has no window, so it paints off screen unless told otherwise.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    ensureRuntimeFolder();
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName("Vellumo");
     QGuiApplication::setApplicationVersion(VELLUMO_VERSION);
