@@ -6,6 +6,7 @@
 #include "NewCommand.h"
 #include "PackCommand.h"
 #include "RenderCommand.h"
+#include "SendCommand.h"
 #include "SettingsCommand.h"
 #include "UnpackCommand.h"
 
@@ -35,6 +36,7 @@ const std::map<QString, Command>& commands() {
         {"pack", {PackCommand::run, PackCommand::usage}},
         {"play", {AudioCommands::play, AudioCommands::playUsage}},
         {"render", {RenderCommand::run, RenderCommand::usage}},
+        {"send", {SendCommand::run, SendCommand::usage}},
         {"settings", {SettingsCommand::run, SettingsCommand::usage}},
         {"sound-info", {AudioCommands::soundInfo, AudioCommands::soundInfoUsage}},
         {"trim", {AudioCommands::trim, AudioCommands::trimUsage}},

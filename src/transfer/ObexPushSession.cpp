@@ -1,0 +1,306 @@
+#include "ObexPushSession.h"
+
+#include <QFileInfo>
+#include <QSocketNotifier>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <limits>
+#include <openobex/obex.h>
+#include <pthread.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+// Body pieces handed to the library at a time; the file is never read whole.
+constexpr qint64 kChunkSize = 32 * 1024;
+// Work steps per wake-up before the event loop gets its turn again.
+constexpr int kMaxRounds = 256;
+
+// The library writes with write(), which raises SIGPIPE when the phone has
+// gone; that must become an error for this push, not the end of the program.
+// Blocking the signal in this thread and swallowing a raised one keeps the
+// process' own signal handling untouched.
+class SigpipeBlock {
+public:
+    SigpipeBlock() {
+        sigemptyset(&m_pipe);
+        sigaddset(&m_pipe, SIGPIPE);
+        sigset_t pending;
+        sigpending(&pending);
+        m_wasPending = sigismember(&pending, SIGPIPE) == 1;
+        pthread_sigmask(SIG_BLOCK, &m_pipe, &m_previous);
+    }
+    ~SigpipeBlock() {
+        sigset_t pending;
+        sigpending(&pending);
+        if (!m_wasPending && sigismember(&pending, SIGPIPE) == 1) {
+            const timespec noWait{};
+            sigtimedwait(&m_pipe, nullptr, &noWait);
+        }
+        pthread_sigmask(SIG_SETMASK, &m_previous, nullptr);
+    }
+    SigpipeBlock(const SigpipeBlock&) = delete;
+    SigpipeBlock& operator=(const SigpipeBlock&) = delete;
+
+private:
+    sigset_t m_pipe;
+    sigset_t m_previous;
+    bool m_wasPending = false;
+};
+
+// OBEX names are UTF-16 big endian with a terminating zero character.
+QByteArray obexName(const QString& name) {
+    QByteArray bytes;
+    for (const QChar c : name) {
+        bytes.append(static_cast<char>(c.unicode() >> 8));
+        bytes.append(static_cast<char>(c.unicode() & 0xff));
+    }
+    bytes.append(2, '\0');
+    return bytes;
+}
+
+QString responseText(int response) {
+    return QStringLiteral("%1 (0x%2)")
+        .arg(QString::fromLatin1(OBEX_ResponseToString(response)))
+        .arg(response, 2, 16, QLatin1Char('0'));
+}
+} // namespace
+
+ObexPushSession::ObexPushSession(int socket, int responseTimeoutMs, QObject* parent)
+    : QObject(parent), m_socket(socket) {
+    m_silence.setSingleShot(true);
+    m_silence.setInterval(responseTimeoutMs);
+    connect(&m_silence, &QTimer::timeout, this, [this] {
+        finish(false,
+               QStringLiteral("the phone did not answer within %1 ms").arg(m_silence.interval()));
+    });
+}
+
+ObexPushSession::~ObexPushSession() {
+    release();
+}
+
+// Hangs up at once, so the phone is free for the next push even while this
+// object waits for its deferred deletion.
+void ObexPushSession::release() {
+    // The notifiers may be the very senders that brought us here.
+    for (QSocketNotifier* notifier : {m_readable, m_writable}) {
+        if (notifier) {
+            notifier->setEnabled(false);
+            notifier->deleteLater();
+        }
+    }
+    m_readable = nullptr;
+    m_writable = nullptr;
+    if (m_handle) {
+        OBEX_SetUserData(m_handle, nullptr);
+        // Cleanup leaves a request still in flight behind; dropping it first
+        // (without a word to the phone, which is gone or given up on) frees it.
+        OBEX_CancelRequest(m_handle, 0);
+        OBEX_Cleanup(m_handle);
+        m_handle = nullptr;
+    }
+    if (m_socket >= 0)
+        ::close(m_socket);
+    m_socket = -1;
+    m_file.close();
+}
+
+bool ObexPushSession::start(const QString& path, QString& reason) {
+    m_file.setFileName(path);
+    if (!QFileInfo(path).isFile() || !m_file.open(QIODevice::ReadOnly)) {
+        reason = QStringLiteral("cannot read %1: %2").arg(path, m_file.errorString());
+        return false;
+    }
+    if (m_file.size() > std::numeric_limits<std::uint32_t>::max()) {
+        reason = QStringLiteral("%1 is too large for an OBEX push").arg(path);
+        return false;
+    }
+    m_handle = OBEX_Init(OBEX_TRANS_FD, &ObexPushSession::onObexEvent, 0);
+    if (!m_handle) {
+        reason = QStringLiteral("the OBEX library could not start");
+        return false;
+    }
+    OBEX_SetUserData(m_handle, this);
+    // Never let the library wait on the socket itself: the notifiers say
+    // when there is something to do.
+    OBEX_SetTimeout(m_handle, 0);
+    OBEX_SetTransportMTU(m_handle, OBEX_MAXIMUM_MTU, OBEX_MAXIMUM_MTU);
+    if (FdOBEX_TransportSetup(m_handle, m_socket, m_socket, 0) < 0 ||
+        !request(OBEX_ObjectNew(m_handle, OBEX_CMD_CONNECT))) {
+        reason = QStringLiteral("the OBEX connection could not be set up");
+        return false;
+    }
+    m_readable = new QSocketNotifier(m_socket, QSocketNotifier::Read, this);
+    m_writable = new QSocketNotifier(m_socket, QSocketNotifier::Write, this);
+    connect(m_readable, &QSocketNotifier::activated, this, &ObexPushSession::pump);
+    connect(m_writable, &QSocketNotifier::activated, this, &ObexPushSession::pump);
+    m_silence.start();
+    return true;
+}
+
+void ObexPushSession::onObexEvent(obex* handle, obex_object* object, int mode, int event,
+                                  int command, int response) {
+    Q_UNUSED(mode);
+    Q_UNUSED(command);
+    if (auto* session = static_cast<ObexPushSession*>(OBEX_GetUserData(handle)))
+        session->handleEvent(object, event, response);
+}
+
+// Called from inside the library: only note what happened, the pump acts.
+void ObexPushSession::handleEvent(obex_object* object, int event, int response) {
+    switch (event) {
+    case OBEX_EV_REQDONE:
+        m_requestDone = true;
+        m_response = response;
+        break;
+    case OBEX_EV_STREAMEMPTY:
+        feedBody(object);
+        break;
+    case OBEX_EV_LINKERR:
+        m_failure = QStringLiteral("the connection to the phone broke off");
+        break;
+    case OBEX_EV_PARSEERR:
+        m_failure = QStringLiteral("the phone sent an answer that is not OBEX");
+        break;
+    case OBEX_EV_ABORT:
+        if (m_failure.isEmpty())
+            m_failure = QStringLiteral("the transfer was aborted");
+        break;
+    default:
+        break;
+    }
+}
+
+void ObexPushSession::feedBody(obex_object* object) {
+    // The library keeps pointing into this piece until it asks for the next.
+    m_chunk = m_file.read(kChunkSize);
+    if (m_file.error() != QFileDevice::NoError) {
+        m_failure =
+            QStringLiteral("reading %1 failed: %2").arg(m_file.fileName(), m_file.errorString());
+        m_chunk.clear();
+        OBEX_CancelRequest(m_handle, 1);
+        return;
+    }
+    obex_headerdata_t value;
+    value.bs = reinterpret_cast<const uint8_t*>(m_chunk.constData());
+    const bool last = m_file.atEnd();
+    OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_BODY, value,
+                         static_cast<uint32_t>(m_chunk.size()),
+                         last ? OBEX_FL_STREAM_DATAEND : OBEX_FL_STREAM_DATA);
+}
+
+bool ObexPushSession::request(obex_object* object) {
+    if (!object)
+        return false;
+    if (OBEX_Request(m_handle, object) < 0) {
+        OBEX_ObjectDelete(m_handle, object);
+        return false;
+    }
+    return true;
+}
+
+bool ObexPushSession::requestPut() {
+    obex_object* object = OBEX_ObjectNew(m_handle, OBEX_CMD_PUT);
+    if (!object)
+        return false;
+    const QByteArray name = obexName(QFileInfo(m_file.fileName()).fileName());
+    obex_headerdata_t value;
+    value.bs = reinterpret_cast<const uint8_t*>(name.constData());
+    OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_NAME, value, static_cast<uint32_t>(name.size()),
+                         0);
+    value.bq4 = static_cast<uint32_t>(m_file.size());
+    OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_LENGTH, value, sizeof(uint32_t), 0);
+    value.bs = nullptr;
+    OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_BODY, value, 0, OBEX_FL_STREAM_START);
+    return request(object);
+}
+
+void ObexPushSession::pump() {
+    for (int round = 0; round < kMaxRounds && !m_finished; ++round) {
+        if (m_requestDone) {
+            if (!advance())
+                return;
+            continue;
+        }
+        if (OBEX_GetDataDirection(m_handle) == OBEX_DATA_IN) {
+            const Input input = pendingInput();
+            if (input == Input::None)
+                break;
+            if (input == Input::Closed) {
+                // After the file was taken, a phone may hang up instead of
+                // answering DISCONNECT; the push has worked all the same.
+                finish(m_step == Step::Disconnect,
+                       QStringLiteral("the phone closed the connection"));
+                return;
+            }
+            m_silence.start();
+        }
+        if (!workOnce())
+            return;
+    }
+    if (!m_finished)
+        m_writable->setEnabled(OBEX_GetDataDirection(m_handle) != OBEX_DATA_IN);
+}
+
+bool ObexPushSession::workOnce() {
+    int result;
+    {
+        SigpipeBlock block;
+        result = OBEX_Work(m_handle);
+    }
+    if (!m_failure.isEmpty() || result < 0) {
+        const QString reason =
+            m_failure.isEmpty() ? QStringLiteral("the OBEX exchange failed") : m_failure;
+        finish(m_step == Step::Disconnect && !m_requestDone, reason);
+        return false;
+    }
+    return true;
+}
+
+// The request in flight has its answer: go on to the next one or end.
+bool ObexPushSession::advance() {
+    m_requestDone = false;
+    if (m_step == Step::Disconnect) {
+        finish(true, QString());
+        return false;
+    }
+    if (m_response != OBEX_RSP_SUCCESS) {
+        const QString what =
+            m_step == Step::Connect ? QStringLiteral("the connection") : QStringLiteral("the file");
+        finish(false,
+               QStringLiteral("the phone refused %1: %2").arg(what, responseText(m_response)));
+        return false;
+    }
+    const bool sent = m_step == Step::Connect
+                          ? requestPut()
+                          : request(OBEX_ObjectNew(m_handle, OBEX_CMD_DISCONNECT));
+    if (!sent) {
+        // The file is there once the PUT succeeded; only the goodbye failed.
+        finish(m_step == Step::Put, QStringLiteral("the OBEX request could not be made"));
+        return false;
+    }
+    m_step = m_step == Step::Connect ? Step::Put : Step::Disconnect;
+    return true;
+}
+
+ObexPushSession::Input ObexPushSession::pendingInput() {
+    char byte;
+    const ssize_t peeked = ::recv(m_socket, &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+    if (peeked > 0)
+        return Input::Waiting;
+    if (peeked < 0 && (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR))
+        return Input::None;
+    return Input::Closed;
+}
+
+void ObexPushSession::finish(bool succeeded, const QString& reason) {
+    if (m_finished)
+        return;
+    m_finished = true;
+    m_silence.stop();
+    release();
+    emit finished(succeeded, succeeded ? QString() : reason);
+}

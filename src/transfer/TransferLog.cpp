@@ -1,0 +1,3 @@
+#include "TransferLog.h"
+
+Q_LOGGING_CATEGORY(lcTransfer, "vellumo.transfer")

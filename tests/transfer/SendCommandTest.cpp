@@ -1,0 +1,60 @@
+#include "TempDataHome.h"
+#include "TransferTestSupport.h"
+
+#include <QProcess>
+#include <gtest/gtest.h>
+
+// vellumo-cli send, run the way a user's script runs it.
+class SendCommandTest : public TempDataHome {
+protected:
+    struct Result {
+        int exitCode;
+        QString output;
+    };
+
+    Result send(const QStringList& arguments) {
+        QProcess cli;
+        cli.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli",
+                  QStringList{"send"} + arguments);
+        EXPECT_TRUE(cli.waitForFinished(60000));
+        return {cli.exitCode(), QString::fromLocal8Bit(cli.readAllStandardOutput()).trimmed()};
+    }
+
+    QString messageFile() {
+        const QString path = dataFile("Holiday message.tpl");
+        writeFile(path, patternBytes(70000));
+        return path;
+    }
+};
+
+TEST_F(SendCommandTest, BadCommandLinesGetTheUsage) {
+    EXPECT_EQ(send({}).exitCode, 64);
+    EXPECT_EQ(send({"a.tpl", "--via", "fax"}).exitCode, 64);
+    EXPECT_EQ(send({"a.tpl", "b.tpl"}).exitCode, 64);
+    EXPECT_EQ(send({"a.tpl", "--target"}).exitCode, 64);
+}
+
+TEST_F(SendCommandTest, NoServerGivesThreeAndSaysSo) {
+    const Result result =
+        send({messageFile(), "--target", QStringLiteral("tcp:127.0.0.1:%1").arg(closedPort())});
+    EXPECT_EQ(result.exitCode, 3);
+    EXPECT_EQ(result.output, "3 no phone connected");
+}
+
+TEST_F(SendCommandTest, AFilePushedToARealServerArrivesWhole) {
+    const QString unavailable = enterPrivateNetwork();
+    if (!unavailable.isEmpty())
+        GTEST_SKIP() << unavailable.toStdString();
+    ObexTestServer server;
+    const QString problem = server.start();
+    if (problem.contains("not installed"))
+        GTEST_SKIP() << problem.toStdString();
+    ASSERT_TRUE(problem.isEmpty()) << problem.toStdString();
+
+    const QString path = messageFile();
+    const Result result = send({path, "--via", "obex", "--target", "tcp:127.0.0.1:650"});
+    EXPECT_EQ(result.exitCode, 0) << result.output.toStdString();
+    EXPECT_EQ(result.output, "0 sent to tcp:127.0.0.1:650");
+    EXPECT_TRUE(readAll(server.folder() + "/Holiday message.tpl") == readAll(path))
+        << server.log().toStdString();
+}
