@@ -46,6 +46,18 @@ QString AppGlobals::text(const QString& key, const QString& fallback) {
     return localized.isEmpty() ? fallback : localized;
 }
 
+QString AppGlobals::text(const QString& key, const QString& fallback,
+                         const QStringList& parameters) {
+    QString localized = localizer() ? localizer()->GetStringPar(key, parameters) : QString();
+    if (!localized.isEmpty())
+        return localized;
+    localized = fallback;
+    localized.replace(QLatin1String("%n"), QLatin1String("\r\n"));
+    for (qsizetype i = 0; i < parameters.size(); ++i)
+        localized.replace(QLatin1Char('%') + QString::number(i), parameters[i]);
+    return localized;
+}
+
 std::uint32_t AppGlobals::userLcid() {
     return state().userLcid;
 }

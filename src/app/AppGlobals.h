@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <cstdint>
 #include <memory>
 
@@ -25,6 +26,8 @@ public:
     // A localized text, or the fallback while no localizer runs yet (the
     // earliest start-up failures are reported before it exists).
     static QString text(const QString& key, const QString& fallback);
+    // The same with "%0", "%1" ... filled in and "%n" as a line break.
+    static QString text(const QString& key, const QString& fallback, const QStringList& parameters);
 
     static std::uint32_t userLcid();
     static void setUserLcid(std::uint32_t lcid);

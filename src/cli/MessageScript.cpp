@@ -3,7 +3,6 @@
 #include "CliOutput.h"
 #include "StoredColor.h"
 #include "clsMMSManager.h"
-#include "modPlaySound.h"
 
 #include <QFileInfo>
 #include <QRect>
@@ -208,12 +207,10 @@ bool MessageScript::sound() {
     if (name.isEmpty())
         return false;
     QFile::copy(file, m_manager.GetWorkFolderPath() + name);
-    const qint64 length = modPlaySound::GetSoundInfo(m_manager.GetWorkFolderPath() + name)
-                              .section(';', 1, 1)
-                              .toLongLong();
+    const qint64 length = m_manager.soundLength(m_manager.GetWorkFolderPath() + name);
     current->setSound(name);
     current->setSoundName(QFileInfo(file).completeBaseName());
-    current->setSoundDuration(std::max<qint64>(length, 0));
+    current->setSoundDuration(length);
     // As in the window: a sound sets the slide's time unless the script gave one.
     if (!m_slideHasDuration && length > 0)
         current->setDuration(length);

@@ -1,6 +1,8 @@
 #include "AudioCommands.h"
 #include "CliOutput.h"
 #include "ConvertImageCommand.h"
+#include "ExportCommand.h"
+#include "ImportCommand.h"
 #include "InfoCommand.h"
 #include "MessageScript.h"
 #include "NewCommand.h"
@@ -30,7 +32,9 @@ const std::map<QString, Command>& commands() {
     static const std::map<QString, Command> table{
         {"amr2wav", {AudioCommands::amr2wav, AudioCommands::amr2wavUsage}},
         {"convert-image", {ConvertImageCommand::run, ConvertImageCommand::usage}},
+        {"export", {ExportCommand::run, ExportCommand::usage}},
         {"help", {help, helpUsage}},
+        {"import", {ImportCommand::run, ImportCommand::usage}},
         {"info", {InfoCommand::run, InfoCommand::usage}},
         {"new", {NewCommand::run, NewCommand::usage}},
         {"pack", {PackCommand::run, PackCommand::usage}},

@@ -1,15 +1,19 @@
 #include "clsMMSManager.h"
 
+#include "AmrConverter.h"
 #include "AppError.h"
 #include "AppGlobals.h"
 #include "AppPaths.h"
 #include "ImageWriter.h"
 #include "SlideRenderer.h"
+#include "SmilExporter.h"
+#include "modPlaySound.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QTemporaryDir>
 
 namespace {
 const QChar kQuote = QLatin1Char('"');
@@ -272,4 +276,145 @@ void clsMMSManager::dropMissingMedia(clsMessage& message) {
             if (objects.Item(i).typ() == QLatin1String("image") && missing(objects.Item(i).image()))
                 objects.Remove(i);
     }
+}
+
+int clsMMSManager::ExportMMS(clsMessage& message, int kind, int durationFormat,
+                             const QString& target, bool overwrite) {
+    ClearTemplateFileType();
+    if (kind == ExportTemplate || kind == ExportPackage)
+        SetTemplateFileType();
+    const QString folder = GetPathFromFilename(AppPaths::toDisk(target), 1);
+    const QString baseName = GetFilenameFromPath(target, false);
+    const QString output =
+        kind == ExportTemplate ? folder + baseName + ".tpl" : AppPaths::toDisk(target);
+    if (!overwrite && QFileInfo::exists(output)) {
+        m_exportStatus =
+            AppGlobals::text("STR_EXPORT_TARGET_EXISTS", "The file %0 already exists.", {output});
+        return ExportExists;
+    }
+    if (kind != ExportSmil && kind != ExportTemplate)
+        return exportFailed("Unknown export kind " + QString::number(kind));
+    SmilExporter exporter(folder, baseName, m_templateFileType, durationFormat);
+    if (!exporter.run(message,
+                      [this](int slide, int count) { emit ProsessingSlide(slide, count); }))
+        return exportFailed(exporter.status());
+    if (kind == ExportTemplate && !packTemplate(folder, baseName, message.MMSFileList()))
+        return ExportFailed;
+    m_exportStatus = QStringLiteral("OK");
+    return ExportOk;
+}
+
+int clsMMSManager::exportFailed(const QString& status) {
+    m_exportStatus = status;
+    return ExportFailed;
+}
+
+bool clsMMSManager::packTemplate(const QString& folder, const QString& baseName,
+                                 const QString& fileList) {
+    QString command =
+        "--use-directory=0 --display-dialog=0 -fc " + quoted(folder + baseName + ".tpl");
+    for (const QString& name : fileList.split(QLatin1Char(';'), Qt::SkipEmptyParts))
+        if (!name.contains(QLatin1String(".txt")))
+            command += " " + quoted(folder + name);
+    if (runTar(command))
+        return true;
+    exportFailed(AppGlobals::text("STR_ERROR_TAR_PACK", "The files could not be packed") + " (" +
+                 m_lastError + ")");
+    return false;
+}
+
+clsMessage* clsMMSManager::ImportMMS(const QString& path, int kind) {
+    m_exportStatus.clear();
+    QString smil = AppPaths::toDisk(path);
+    QString textsIndex;
+    if (kind == ImportTemplate) {
+        const QString folder = GetTempFolderPath("tpldir");
+        QDir(folder).removeRecursively();
+        AppPaths::createPath(folder);
+        if (!m_tar.isArchive(smil) ||
+            !runTar("--use-directory=0 --display-dialog=0 -xvf " + quoted(smil) + " -o  " +
+                    quoted(withoutTrailingSlash(folder)))) {
+            m_exportStatus = smil + " is not a template archive.";
+            return nullptr;
+        }
+        smil = folder + "mms.smil";
+        textsIndex = folder + "texts.xml";
+    } else {
+        const QString folder = GetPathFromFilename(smil, 1);
+        const QString own = folder + GetFilenameFromPath(smil, false) + "_texts.xml";
+        textsIndex = QFileInfo::exists(own) ? own : folder + "texts.xml";
+    }
+    SmilImporter importer;
+    if (!importer.read(smil, textsIndex)) {
+        m_exportStatus = importer.error();
+        return nullptr;
+    }
+    return buildImported(importer);
+}
+
+// Everything was read and checked before: only now is the work folder emptied.
+clsMessage* clsMMSManager::buildImported(const SmilImporter& importer) {
+    clsMessage* message = CreateMsg();
+    message->setName(QStringLiteral("import"));
+    for (const SmilImporter::Slide& spec : importer.slides()) {
+        if (!fillImportedSlide(message->Slides().Add(), spec)) {
+            // A copy that failed half-way (a full disk) leaves no half message behind.
+            emptyWorkFolder();
+            m_message.reset();
+            return nullptr;
+        }
+    }
+    m_exportStatus = QStringLiteral("OK");
+    return message;
+}
+
+bool clsMMSManager::fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& spec) {
+    slide.setDuration(spec.duration);
+    slide.setText(spec.text);
+    if (!spec.picture.isEmpty()) {
+        const QString name = copyIntoWorkFolder("B", spec.picture);
+        if (name.isEmpty())
+            return false;
+        slide.DrawObjects().setBackType(clsDrawObjects::KindOfFile(name));
+        slide.DrawObjects().setBackPicture(name);
+    }
+    if (!spec.sound.isEmpty()) {
+        const QString name = copyIntoWorkFolder("A", spec.sound);
+        if (name.isEmpty())
+            return false;
+        slide.setSound(name);
+        slide.setSoundName(GetFilenameFromPath(spec.sound, false));
+        slide.setSoundDuration(soundLength(m_workFolder + name));
+    }
+    return true;
+}
+
+qint64 clsMMSManager::soundLength(const QString& path) {
+    QString measured = path;
+    QTemporaryDir decoded;
+    // No device plays AMR: it is measured, like it is played, as the WAV it decodes to.
+    if (GetFilenameExtension(path).compare(".amr", Qt::CaseInsensitive) == 0) {
+        measured = decoded.path() + "/sound.wav";
+        if (AmrToWav(path, measured) != AmrConverter::Ok)
+            return 0;
+    }
+    const qint64 length =
+        modPlaySound::GetSoundInfo(measured).section(QLatin1Char(';'), 1, 1).toLongLong();
+    return std::max<qint64>(length, 0);
+}
+
+QString clsMMSManager::copyIntoWorkFolder(const QString& prefix, const QString& source) {
+    const QString name = GetUniqueFileName(prefix, source);
+    if (QFile::copy(source, m_workFolder + name))
+        return name;
+    exportFailed("The file cannot be copied into the message: " + source);
+    return QString();
+}
+
+int clsMMSManager::WavToAmr(const QString& source, const QString& target) {
+    return AmrConverter::wav2amr(AppPaths::toDisk(source), AppPaths::toDisk(target));
+}
+
+int clsMMSManager::AmrToWav(const QString& source, const QString& target) {
+    return AmrConverter::amr2wav(AppPaths::toDisk(source), AppPaths::toDisk(target));
 }

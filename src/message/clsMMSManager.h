@@ -1,5 +1,6 @@
 #pragma once
 
+#include "SmilImporter.h"
 #include "TarEngine.h"
 #include "UniqueNamer.h"
 #include "clsMessage.h"
@@ -60,6 +61,25 @@ public:
     // without emptying the folder; its slide pictures are rendered anew on save.
     clsMessage* AdoptWorkFolderMessage();
 
+    enum ExportKind { ExportSmil = 1, ExportTemplate = 2, ExportPackage = 4 };
+    enum ExportResult { ExportOk = 0, ExportFailed = 1, ExportExists = 2 };
+    enum ImportKind { ImportSmil = 1, ImportTemplate = 2 };
+
+    // Writes the message as a SMIL set beside target (FOLDER/NAME.smil), and
+    // for a template also FOLDER/NAME.tpl. Never overwrites without leave.
+    int ExportMMS(clsMessage& message, int kind, int durationFormat, const QString& target,
+                  bool overwrite);
+    // A new message named "import" from a SMIL file or a template archive;
+    // nullptr, with the status saying why, when it cannot be read.
+    clsMessage* ImportMMS(const QString& path, int kind);
+    QString GetExportImportStatus() const { return m_exportStatus; }
+    void SetTemplateFileType() { m_templateFileType = true; }
+    void ClearTemplateFileType() { m_templateFileType = false; }
+    int WavToAmr(const QString& source, const QString& target);
+    int AmrToWav(const QString& source, const QString& target);
+    // A sound's length in milliseconds; 0 when it cannot be measured.
+    qint64 soundLength(const QString& path);
+
     clsMessage* message() const { return m_message.get(); }
     // Whether the opened message is of the version this program writes.
     bool isCurrentMessage() const { return m_current; }
@@ -83,6 +103,11 @@ private:
     void applyDefaults(clsMessage& message) const;
     void loadSlidePictures(clsMessage& message);
     void dropMissingMedia(clsMessage& message);
+    bool packTemplate(const QString& folder, const QString& baseName, const QString& fileList);
+    clsMessage* buildImported(const SmilImporter& importer);
+    bool fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& spec);
+    QString copyIntoWorkFolder(const QString& prefix, const QString& source);
+    int exportFailed(const QString& status);
 
     QString m_workFolder;
     QString m_userArchive;
@@ -94,4 +119,6 @@ private:
     bool m_current = false;
     QStringList m_missingMedia;
     QString m_lastError;
+    QString m_exportStatus;
+    bool m_templateFileType = false;
 };

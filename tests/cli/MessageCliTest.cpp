@@ -149,3 +149,51 @@ TEST_F(MessageCliTest, BadInputGetsAClearAnswer) {
     EXPECT_EQ(cli({"render", "x.mms", "one", "z.png"}).code, 64);
     EXPECT_TRUE(cli({"help", "new"}).out.contains("--font-color RRGGBB"));
 }
+
+TEST_F(MessageCliTest, ExportAndImportFromTheCommandLine) {
+    ASSERT_EQ(
+        cli({"new", "m.mms", "--name", "Trip", "--slide", "2500", "--color", "0000FF",
+             "--slide-text", "first", "--slide", "1200", "--image", archive("Pictures/sun.gif"),
+             "0,0,80,60", "--sound", archive("Sounds/double_beep.wav")})
+            .code,
+        0);
+    QDir().mkpath(path("set"));
+    const Result smil = cli({"export", "m.mms", "--kind", "smil", "--format", "s", "set/mms.smil"});
+    ASSERT_EQ(smil.code, 0) << smil.err.toStdString();
+    EXPECT_TRUE(QFileInfo::exists(path("set/texts.xml")));
+    const Result again =
+        cli({"export", "m.mms", "--kind", "smil", "--format", "s", "set/mms.smil"});
+    EXPECT_EQ(again.code, 2);
+    EXPECT_TRUE(again.err.contains("already exists"));
+    EXPECT_EQ(
+        cli({"export", "m.mms", "--kind", "smil", "--format", "s", "set/mms.smil", "--overwrite"})
+            .code,
+        0);
+
+    const Result tpl = cli({"export", "m.mms", "--kind", "tpl", "--format", "ms", "set/card.smil"});
+    ASSERT_EQ(tpl.code, 0) << tpl.err.toStdString();
+    QProcess tar;
+    tar.start("tar", {"tf", path("set/card.tpl")});
+    tar.waitForFinished();
+    QStringList members =
+        QString::fromUtf8(tar.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+    members.sort();
+    // An opened message's slides carry their rendered pictures, so both have one.
+    EXPECT_EQ(members,
+              QStringList({"Slide1.jpg", "Slide2.amr", "Slide2.jpg", "mms.smil", "texts.xml"}));
+
+    for (const QString& source : {QStringLiteral("set/mms.smil"), QStringLiteral("set/card.tpl")}) {
+        const Result imported = cli({"import", source, "back.mms"});
+        ASSERT_EQ(imported.code, 0) << imported.err.toStdString();
+        const Result info = cli({"info", "back.mms"});
+        EXPECT_TRUE(info.out.contains("name: import\nversion: 2.0\nslides: 2\n"));
+        EXPECT_TRUE(info.out.contains("  text: \"first\""));
+        EXPECT_TRUE(info.out.contains("slide 2: duration 1000 ms") ||
+                    info.out.contains("slide 2: duration 1200 ms"))
+            << info.out.toStdString();
+    }
+    EXPECT_EQ(cli({"export", "m.mms", "--kind", "zip", "--format", "s", "set/x.smil"}).code, 64);
+    const Result bad = cli({"import", "m.mms", "x.mms"});
+    EXPECT_EQ(bad.code, 1);
+    EXPECT_FALSE(bad.err.isEmpty());
+}

@@ -1,0 +1,73 @@
+#include "SmilDocument.h"
+
+#include "AppPaths.h"
+#include "VbFormat.h"
+
+namespace {
+// The text the presentation starts from, line by line; attribute values that
+// come from the message are set afterwards, so no name can break the XML.
+const char* const kPresentation = "<smil>\r\n"
+                                  "<head>\r\n"
+                                  "<meta name=\"title\" content=\"\" />\r\n"
+                                  "<meta name=\"author\" content=\"MMS\" />\r\n"
+                                  "<layout>\r\n"
+                                  "<root-layout width=\"160\" height=\"160\" />\r\n"
+                                  "<region id=\"Image\" width=\"160\" height=\"120\" left=\"0\" "
+                                  "top=\"0\" />\r\n"
+                                  "<region id=\"Text\" width=\"160\" height=\"20\" left=\"0\" "
+                                  "top=\"120\" />\r\n"
+                                  "</layout>\r\n"
+                                  "</head>\r\n"
+                                  "<body>\r\n"
+                                  "</body>\r\n"
+                                  "</smil>";
+
+const char* const kTextsIndex = "<mms-text-files>\r\n"
+                                "<message>\r\n"
+                                "</message>\r\n"
+                                "</mms-text-files>";
+
+void start(pugi::xml_document& document, const char* text) {
+    document.reset();
+    document.load_string(text);
+    pugi::xml_node declaration =
+        document.insert_child_before(pugi::node_declaration, document.first_child());
+    declaration.append_attribute("version") = "1.0";
+    declaration.append_attribute("encoding") = "utf-8";
+}
+
+qint64 wholeNumberBefore(const QString& text, QChar letter) {
+    return VbFormat::toInteger(text.left(text.indexOf(letter)));
+}
+} // namespace
+
+void SmilDocument::startPresentation(pugi::xml_document& document, const QString& title) {
+    start(document, kPresentation);
+    document.child("smil").child("head").child("meta").attribute("content") =
+        title.toUtf8().constData();
+}
+
+void SmilDocument::startTextsIndex(pugi::xml_document& document, const QString& title) {
+    start(document, kTextsIndex);
+    document.child("mms-text-files").child("message").append_child("title").text() =
+        title.toUtf8().constData();
+}
+
+bool SmilDocument::save(const pugi::xml_document& document, const QString& path) {
+    return document.save_file(AppPaths::toDisk(path).toLocal8Bit().constData(), "  ",
+                              pugi::format_default, pugi::encoding_utf8);
+}
+
+QString SmilDocument::formatDuration(qint64 ms, int format) {
+    if (format == 1)
+        return VbFormat::format(double(ms) / 1000.0, "0.000", ".") + "s";
+    return QString::number(ms) + "ms";
+}
+
+qint64 SmilDocument::parseDuration(const QString& text) {
+    if (text.contains(QLatin1Char('m')))
+        return wholeNumberBefore(text, QLatin1Char('m'));
+    if (text.contains(QLatin1Char('s')))
+        return wholeNumberBefore(text, QLatin1Char('s')) * 1000;
+    return 0;
+}

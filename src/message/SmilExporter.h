@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+#include <pugixml.hpp>
+
+class clsMessage;
+class clsSlide;
+
+// Writes a message as a SMIL file set into a folder: the presentation, the
+// texts index, one text file per slide text and the slides' pictures and
+// sounds. The template flavour uses the names a phone expects ("mms.smil",
+// "texts.xml"); otherwise a base name other than "mms" numbers every file after
+// it (base_001.jpg, ...), so several exports can share one folder.
+class SmilExporter {
+public:
+    using Progress = std::function<void(int slide, int count)>;
+
+    SmilExporter(QString folder, QString baseName, bool templateFlavour, int durationFormat);
+
+    // False with status() saying why; files() lists what was written so far.
+    bool run(clsMessage& message, const Progress& progress);
+    QString status() const { return m_status; }
+    QStringList files() const { return m_files; }
+    QString presentationName() const;
+    QString textsIndexName() const;
+
+private:
+    bool exportSlide(const clsSlide& slide, const QString& workFolder, pugi::xml_node par);
+    bool exportPicture(const clsSlide& slide, const QString& workFolder, pugi::xml_node par);
+    bool exportSound(const clsSlide& slide, const QString& workFolder, pugi::xml_node par);
+    bool exportText(const clsSlide& slide, pugi::xml_node par);
+    QString fileName(int slide, const QString& extension);
+    bool fail(const QString& key, const QString& fallback, const QString& reason);
+
+    QString m_folder;
+    QString m_baseName;
+    bool m_numbered;
+    int m_durationFormat;
+    int m_counter = 0;
+    int m_imageFormat;
+    pugi::xml_document m_smil;
+    pugi::xml_document m_texts;
+    QStringList m_files;
+    QString m_status;
+};
