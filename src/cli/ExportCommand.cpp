@@ -9,7 +9,8 @@
 
 namespace {
 const std::map<QString, int> kKinds{{"smil", clsMMSManager::ExportSmil},
-                                    {"tpl", clsMMSManager::ExportTemplate}};
+                                    {"tpl", clsMMSManager::ExportTemplate},
+                                    {"sis", clsMMSManager::ExportPackage}};
 const std::map<QString, int> kFormats{{"ms", 0}, {"s", 1}};
 
 // Takes "--name VALUE" out of the arguments; "" when it is not there.
@@ -49,6 +50,6 @@ int ExportCommand::run(const QStringList& original) {
 }
 
 QString ExportCommand::usage() {
-    return QStringLiteral("vellumo-cli export FILE.mms --kind smil|tpl --format ms|s "
+    return QStringLiteral("vellumo-cli export FILE.mms --kind smil|tpl|sis --format ms|s "
                           "FOLDER/NAME.smil [--overwrite]");
 }

@@ -4,19 +4,28 @@
 #include "AppError.h"
 #include "AppGlobals.h"
 #include "AppPaths.h"
+#include "EventPump.h"
 #include "ImageWriter.h"
+#include "PackageDefinition.h"
 #include "SlideRenderer.h"
 #include "SmilExporter.h"
+#include "clsRunPgm.h"
 #include "modPlaySound.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QTemporaryDir>
+#include <QThread>
 
 namespace {
 const QChar kQuote = QLatin1Char('"');
+constexpr std::int16_t kMinimizedNoActivate = 7;
+constexpr int kPackageBuilderTimeoutMs = 120000;
+constexpr int kPollIntervalMs = 10;
 
 QString quoted(const QString& text) {
     return kQuote + text + kQuote;
@@ -285,20 +294,23 @@ int clsMMSManager::ExportMMS(clsMessage& message, int kind, int durationFormat,
         SetTemplateFileType();
     const QString folder = GetPathFromFilename(AppPaths::toDisk(target), 1);
     const QString baseName = GetFilenameFromPath(target, false);
-    const QString output =
-        kind == ExportTemplate ? folder + baseName + ".tpl" : AppPaths::toDisk(target);
+    const QString output = kind == ExportTemplate  ? folder + baseName + ".tpl"
+                           : kind == ExportPackage ? folder + baseName + ".SIS"
+                                                   : AppPaths::toDisk(target);
     if (!overwrite && QFileInfo::exists(output)) {
         m_exportStatus =
             AppGlobals::text("STR_EXPORT_TARGET_EXISTS", "The file %0 already exists.", {output});
         return ExportExists;
     }
-    if (kind != ExportSmil && kind != ExportTemplate)
+    if (kind != ExportSmil && kind != ExportTemplate && kind != ExportPackage)
         return exportFailed("Unknown export kind " + QString::number(kind));
     SmilExporter exporter(folder, baseName, m_templateFileType, durationFormat);
     if (!exporter.run(message,
                       [this](int slide, int count) { emit ProsessingSlide(slide, count); }))
         return exportFailed(exporter.status());
     if (kind == ExportTemplate && !packTemplate(folder, baseName, message.MMSFileList()))
+        return ExportFailed;
+    if (kind == ExportPackage && !buildPackage(folder, baseName, message.MMSFileList()))
         return ExportFailed;
     m_exportStatus = QStringLiteral("OK");
     return ExportOk;
@@ -321,6 +333,49 @@ bool clsMMSManager::packTemplate(const QString& folder, const QString& baseName,
     exportFailed(AppGlobals::text("STR_ERROR_TAR_PACK", "The files could not be packed") + " (" +
                  m_lastError + ")");
     return false;
+}
+
+bool clsMMSManager::buildPackage(const QString& folder, const QString& baseName,
+                                 const QString& fileList) {
+    const QString definition = folder + baseName + ".pkg";
+    const QString package = folder + baseName + ".SIS";
+    if (!PackageDefinition::write(
+            definition,
+            PackageDefinition::lines(baseName, folder, fileList.split(QLatin1Char(';'))))) {
+        exportFailed("The package definition cannot be written: " + definition);
+        return false;
+    }
+    // A package left from an earlier export must not pass for this one's.
+    QFile::remove(package);
+    const QString failure = runPackageBuilder(definition);
+    if (failure.isEmpty() && QFileInfo::exists(package))
+        return true;
+    exportFailed(
+        AppGlobals::text("STR_ERROR_SIS_BUILD", "The installation package cannot be built.") + " " +
+        (failure.isEmpty() ? package + " was not written." : failure));
+    return false;
+}
+
+// Runs the package builder beside the program and waits for it, letting the
+// window work meanwhile; "" when it ended well, else why not.
+QString clsMMSManager::runPackageBuilder(const QString& definition) {
+    const QString folder = QCoreApplication::applicationDirPath();
+    clsRunPgm builder;
+    if (!builder.run(folder, "makesis " + quoted(definition), kMinimizedNoActivate))
+        return "The package builder cannot be started: " + folder + "/makesis";
+    const QDeadlineTimer deadline(kPackageBuilderTimeoutMs);
+    while (builder.isActive()) {
+        if (deadline.hasExpired()) {
+            builder.terminate();
+            return QStringLiteral("The package builder did not finish in time.");
+        }
+        pumpEvents();
+        QThread::msleep(kPollIntervalMs);
+    }
+    if (builder.GetExitCode() != 0)
+        return "The package builder failed with exit code " +
+               QString::number(builder.GetExitCode()) + ".";
+    return QString();
 }
 
 clsMessage* clsMMSManager::ImportMMS(const QString& path, int kind) {

@@ -104,6 +104,8 @@ private:
     void loadSlidePictures(clsMessage& message);
     void dropMissingMedia(clsMessage& message);
     bool packTemplate(const QString& folder, const QString& baseName, const QString& fileList);
+    bool buildPackage(const QString& folder, const QString& baseName, const QString& fileList);
+    QString runPackageBuilder(const QString& definition);
     clsMessage* buildImported(const SmilImporter& importer);
     bool fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& spec);
     QString copyIntoWorkFolder(const QString& prefix, const QString& source);

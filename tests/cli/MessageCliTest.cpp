@@ -192,6 +192,10 @@ TEST_F(MessageCliTest, ExportAndImportFromTheCommandLine) {
                     info.out.contains("slide 2: duration 1200 ms"))
             << info.out.toStdString();
     }
+    const Result sis = cli({"export", "m.mms", "--kind", "sis", "--format", "ms", "set/card.smil"});
+    ASSERT_EQ(sis.code, 0) << sis.err.toStdString();
+    EXPECT_TRUE(QFileInfo(path("set/card.SIS")).size() > 100);
+    EXPECT_TRUE(QFileInfo::exists(path("set/card.pkg")));
     EXPECT_EQ(cli({"export", "m.mms", "--kind", "zip", "--format", "s", "set/x.smil"}).code, 64);
     const Result bad = cli({"import", "m.mms", "x.mms"});
     EXPECT_EQ(bad.code, 1);

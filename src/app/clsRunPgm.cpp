@@ -1,10 +1,12 @@
 #include "clsRunPgm.h"
 
 #include "AppPaths.h"
-#include "TransferLog.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QProcess>
+
+Q_LOGGING_CATEGORY(lcRunPgm, "vellumo.runpgm")
 
 namespace {
 // Starting is fork and exec; a program that cannot start says so at once.
@@ -47,7 +49,7 @@ bool clsRunPgm::run(const QString& folder, const QString& commandLine, std::int1
     m_process->setProcessChannelMode(QProcess::ForwardedChannels);
     m_process->start(program, words);
     if (!m_process->waitForStarted(kStartWaitMs)) {
-        qCWarning(lcTransfer) << "cannot start" << program << ":" << m_process->errorString();
+        qCWarning(lcRunPgm) << "cannot start" << program << ":" << m_process->errorString();
         releaseProcess();
         return false;
     }

@@ -1,0 +1,118 @@
+#include "AppGlobals.h"
+#include "PackageDefinition.h"
+#include "SettingsBootstrap.h"
+#include "TempDataHome.h"
+#include "clsMMSManager.h"
+#include "clsPropertiesXML.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+
+TEST(PackageDefinitionTest, TheFiveLinesOfATwoFilePackage) {
+    const QStringList lines =
+        PackageDefinition::lines("T", "/F/", {"a.jpg", "Slide1.txt", "", "b.amr"});
+    EXPECT_EQ(lines, QStringList({
+                         "#{\"T\"},(0x10E7B29D),1,0,0,TYPE=SISUPGRADE",
+                         "(0x10E7B29D),1,0,0,{\"CopyOnlyStub\"}",
+                         "(0x10C4D6A3), 1, 0, 0, {\"CorvanePZentorxPlatformProductID\"}",
+                         "\"/F/a.jpg\"-\"!:\\documents\\MMS\\Templates\\T\\a.jpg\"",
+                         "\"/F/b.amr\"-\"!:\\documents\\MMS\\Templates\\T\\b.amr\"",
+                     }));
+}
+
+class PackageExportTest : public TempDataHome {
+protected:
+    void SetUp() override {
+        TempDataHome::SetUp();
+        AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
+        m_manager.InitializeFromSettings();
+        m_out = dataFile("out/");
+        QDir().mkpath(m_out);
+        m_message = m_manager.CreateMsg();
+        m_message->setName("Holiday");
+        QFile::copy(programFile("archive/Pictures/heart.gif"),
+                    m_manager.GetWorkFolderPath() + "I1.gif");
+        DrawObjectProperties heart;
+        heart.typ = "image";
+        heart.image = "I1.gif";
+        heart.w = 64;
+        heart.h = 64;
+        clsSlide& slide = m_message->Slides().Add();
+        slide.DrawObjects().Add().SetAllPproperties(heart);
+        slide.setText("Wish you were here");
+        m_message->Slides().Add().setText("second");
+    }
+
+    QJsonObject readPackage(const QString& path) {
+        QProcess reader;
+        reader.start(VELLUMO_PYTHON3,
+                     {QStringLiteral(VELLUMO_SOURCE_DIR) + "/tests/tools/sis_reader.py", path});
+        EXPECT_TRUE(reader.waitForFinished(30000));
+        EXPECT_EQ(reader.exitCode(), 0) << reader.readAllStandardError().toStdString();
+        return QJsonDocument::fromJson(reader.readAllStandardOutput()).object();
+    }
+
+    static QString sha256(const QString& path) {
+        QFile file(path);
+        file.open(QIODevice::ReadOnly);
+        return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256).toHex();
+    }
+
+    clsMMSManager m_manager;
+    clsMessage* m_message = nullptr;
+    QString m_out;
+};
+
+TEST_F(PackageExportTest, TheBuiltPackageReadsBackWithEveryFile) {
+    ASSERT_EQ(m_manager.ExportMMS(*m_message, 4, 0, m_out + "Holiday.smil", false), 0)
+        << m_manager.GetExportImportStatus().toStdString();
+    const QStringList definition =
+        readFile(m_out + "Holiday.pkg").split("\r\n", Qt::SkipEmptyParts);
+    ASSERT_EQ(definition.size(), 3 + 3) << "the picture, the index and the presentation";
+    EXPECT_EQ(definition[0], "#{\"Holiday\"},(0x10E7B29D),1,0,0,TYPE=SISUPGRADE");
+
+    const QJsonObject package = readPackage(m_out + "Holiday.SIS");
+    EXPECT_EQ(package["uid1"].toInteger(), 0x10E7B29D);
+    EXPECT_TRUE(package["uid4_ok"].toBool());
+    EXPECT_TRUE(package["checksum_ok"].toBool());
+    EXPECT_EQ(package["names"].toArray().first().toString(), "Holiday");
+    QStringList requisites;
+    for (const QJsonValue& requisite : package["requisites"].toArray())
+        requisites << QString::number(requisite.toObject()["uid"].toInteger(), 16);
+    EXPECT_EQ(requisites, QStringList({"10e7b29d", "10c4d6a3"}));
+
+    QStringList destinations;
+    for (const QJsonValue& value : package["files"].toArray()) {
+        const QJsonObject file = value.toObject();
+        const QString destination = file["destination"].toString();
+        destinations.prepend(destination); // records come last file first
+        const QString name = destination.section('\\', -1);
+        EXPECT_EQ(file["data"].toArray().first().toObject()["sha256"].toString(),
+                  sha256(m_out + name))
+            << name.toStdString();
+    }
+    // The second slide is text on a plain colour: it has no picture to install.
+    EXPECT_EQ(destinations, QStringList({"!:\\documents\\MMS\\Templates\\Holiday\\Slide1.jpg",
+                                         "!:\\documents\\MMS\\Templates\\Holiday\\texts.xml",
+                                         "!:\\documents\\MMS\\Templates\\Holiday\\mms.smil"}));
+}
+
+TEST_F(PackageExportTest, AFailingBuilderKeepsTheDefinitionAndSaysSo) {
+    // A folder where the package should go makes the builder fail to write it.
+    QDir().mkpath(m_out + "Broken.SIS");
+    EXPECT_EQ(m_manager.ExportMMS(*m_message, 4, 0, m_out + "Broken.smil", true), 1);
+    EXPECT_TRUE(
+        m_manager.GetExportImportStatus().startsWith("The installation package cannot be built."))
+        << m_manager.GetExportImportStatus().toStdString();
+    EXPECT_TRUE(QFileInfo::exists(m_out + "Broken.pkg"));
+    EXPECT_TRUE(QFileInfo(m_out + "Broken.SIS").isDir());
+
+    writeFile(m_out + "Old.SIS", "an earlier package");
+    EXPECT_EQ(m_manager.ExportMMS(*m_message, 4, 0, m_out + "Old.smil", false), 2);
+    EXPECT_EQ(readFile(m_out + "Old.SIS"), "an earlier package");
+}
