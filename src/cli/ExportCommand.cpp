@@ -8,9 +8,12 @@
 #include <map>
 
 namespace {
+// Not an export kind of the manager's: a SMIL set saved once more as a binary MMS.
+constexpr int kBinaryMms = 8;
 const std::map<QString, int> kKinds{{"smil", clsMMSManager::ExportSmil},
                                     {"tpl", clsMMSManager::ExportTemplate},
-                                    {"sis", clsMMSManager::ExportPackage}};
+                                    {"sis", clsMMSManager::ExportPackage},
+                                    {"wap", kBinaryMms}};
 const std::map<QString, int> kFormats{{"ms", 0}, {"s", 1}};
 
 // Takes "--name VALUE" out of the arguments; "" when it is not there.
@@ -22,11 +25,32 @@ QString takeOption(QStringList& arguments, const QString& name) {
     arguments.remove(at, 2);
     return value;
 }
+// The SMIL set first, then FOLDER/mms.wap from it.
+int exportBinary(clsMMSManager& manager, clsMessage& message, int format, const QString& target,
+                 bool overwrite, bool retrieve) {
+    const QString folder = QFileInfo(target).absolutePath() + "/";
+    if (!overwrite && QFileInfo::exists(folder + "mms.wap")) {
+        CliOutput::error("export: " + folder + "mms.wap already exists");
+        return clsMMSManager::ExportExists;
+    }
+    const int result = manager.ExportMMS(message, clsMMSManager::ExportSmil, format, target, true);
+    if (result != clsMMSManager::ExportOk) {
+        CliOutput::error("export: " + manager.GetExportImportStatus());
+        return result;
+    }
+    const auto type = retrieve ? MmsPacker::MessageType::RetrieveConfirmation
+                               : MmsPacker::MessageType::SendRequest;
+    if (manager.SaveAsMMS(folder, "mms", message.MMSFileList(), message.name(), type))
+        return 0;
+    CliOutput::error("export: " + manager.saveAsMmsStatus());
+    return manager.saveAsMmsCode();
+}
 } // namespace
 
 int ExportCommand::run(const QStringList& original) {
     QStringList arguments = original;
     const bool overwrite = arguments.removeAll("--overwrite") > 0;
+    const bool retrieve = arguments.removeAll("--retrieve-conf") > 0;
     const auto kind = kKinds.find(takeOption(arguments, "--kind"));
     const auto format = kFormats.find(takeOption(arguments, "--format"));
     if (arguments.size() != 2 || kind == kKinds.end() || format == kFormats.end() ||
@@ -37,9 +61,12 @@ int ExportCommand::run(const QStringList& original) {
         clsMessage* message = session.open(arguments[0]);
         if (!message)
             return clsMMSManager::ExportFailed;
+        const QString target = QFileInfo(arguments[1]).absoluteFilePath();
+        if (kind->second == kBinaryMms)
+            return exportBinary(session.manager(), *message, format->second, target, overwrite,
+                                retrieve);
         const int result =
-            session.manager().ExportMMS(*message, kind->second, format->second,
-                                        QFileInfo(arguments[1]).absoluteFilePath(), overwrite);
+            session.manager().ExportMMS(*message, kind->second, format->second, target, overwrite);
         if (result != clsMMSManager::ExportOk)
             CliOutput::error("export: " + session.manager().GetExportImportStatus());
         return result;
@@ -50,6 +77,6 @@ int ExportCommand::run(const QStringList& original) {
 }
 
 QString ExportCommand::usage() {
-    return QStringLiteral("vellumo-cli export FILE.mms --kind smil|tpl|sis --format ms|s "
-                          "FOLDER/NAME.smil [--overwrite]");
+    return QStringLiteral("vellumo-cli export FILE.mms --kind smil|tpl|sis|wap --format ms|s "
+                          "FOLDER/NAME.smil [--overwrite] [--retrieve-conf]");
 }

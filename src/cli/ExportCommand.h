@@ -2,10 +2,12 @@
 
 #include <QStringList>
 
-// vellumo-cli export FILE.mms --kind smil|tpl|sis --format ms|s FOLDER/NAME.smil [--overwrite]:
-// the message as a SMIL set in FOLDER, and as FOLDER/NAME.tpl for a template or
-// FOLDER/NAME.pkg and FOLDER/NAME.SIS for an installation package.
-// The exit code is the export's result: 0, 1 (failed) or 2 (target exists).
+// vellumo-cli export FILE.mms --kind smil|tpl|sis|wap --format ms|s FOLDER/NAME.smil
+//     [--overwrite] [--retrieve-conf]
+// The message as a SMIL set in FOLDER, and from it FOLDER/mms.tpl (a template),
+// FOLDER/mms.pkg and FOLDER/mms.SIS (an installation package) or FOLDER/mms.wap
+// (a binary MMS, sent or, with --retrieve-conf, as received). The exit code is
+// the operation's result: 0, 1 (failed), 2 (target exists), 6 (packing failed).
 class ExportCommand {
 public:
     static int run(const QStringList& arguments);

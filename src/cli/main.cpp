@@ -21,7 +21,9 @@
 
 namespace {
 int help(const QStringList& arguments);
-QString helpUsage() { return QStringLiteral("vellumo-cli help [new]"); }
+QString helpUsage() {
+    return QStringLiteral("vellumo-cli help [new]");
+}
 
 struct Command {
     std::function<int(const QStringList&)> run;
@@ -70,7 +72,8 @@ void ensureRuntimeFolder() {
 
 // The options of "new" are too many for one usage line: they have a page of their own.
 int help(const QStringList& arguments) {
-    CliOutput::out(arguments.value(0) == QLatin1String("new") ? MessageScript::help() : fullUsage());
+    CliOutput::out(arguments.value(0) == QLatin1String("new") ? MessageScript::help()
+                                                              : fullUsage());
     return 0;
 }
 } // namespace

@@ -30,3 +30,12 @@ pugi::xml_node DomAttributes::child(pugi::xml_node parent, const char* name) {
     pugi::xml_node node = parent.child(name);
     return node ? node : parent.append_child(name);
 }
+
+void DomAttributes::startDocument(pugi::xml_document& document, const char* text) {
+    document.reset();
+    document.load_string(text);
+    pugi::xml_node declaration =
+        document.insert_child_before(pugi::node_declaration, document.first_child());
+    declaration.append_attribute("version") = "1.0";
+    declaration.append_attribute("encoding") = "utf-8";
+}

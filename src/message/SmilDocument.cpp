@@ -1,6 +1,7 @@
 #include "SmilDocument.h"
 
 #include "AppPaths.h"
+#include "DomAttributes.h"
 #include "VbFormat.h"
 
 namespace {
@@ -27,28 +28,19 @@ const char* const kTextsIndex = "<mms-text-files>\r\n"
                                 "</message>\r\n"
                                 "</mms-text-files>";
 
-void start(pugi::xml_document& document, const char* text) {
-    document.reset();
-    document.load_string(text);
-    pugi::xml_node declaration =
-        document.insert_child_before(pugi::node_declaration, document.first_child());
-    declaration.append_attribute("version") = "1.0";
-    declaration.append_attribute("encoding") = "utf-8";
-}
-
 qint64 wholeNumberBefore(const QString& text, QChar letter) {
     return VbFormat::toInteger(text.left(text.indexOf(letter)));
 }
 } // namespace
 
 void SmilDocument::startPresentation(pugi::xml_document& document, const QString& title) {
-    start(document, kPresentation);
+    DomAttributes::startDocument(document, kPresentation);
     document.child("smil").child("head").child("meta").attribute("content") =
         title.toUtf8().constData();
 }
 
 void SmilDocument::startTextsIndex(pugi::xml_document& document, const QString& title) {
-    start(document, kTextsIndex);
+    DomAttributes::startDocument(document, kTextsIndex);
     document.child("mms-text-files").child("message").append_child("title").text() =
         title.toUtf8().constData();
 }

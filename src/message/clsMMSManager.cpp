@@ -9,6 +9,7 @@
 #include "PackageDefinition.h"
 #include "SlideRenderer.h"
 #include "SmilExporter.h"
+#include "clsPropertiesXML.h"
 #include "clsRunPgm.h"
 #include "modPlaySound.h"
 
@@ -26,6 +27,8 @@ const QChar kQuote = QLatin1Char('"');
 constexpr std::int16_t kMinimizedNoActivate = 7;
 constexpr int kPackageBuilderTimeoutMs = 120000;
 constexpr int kPollIntervalMs = 10;
+// The template and package steps always name their files after "mms".
+const QString kPackageBaseName = QStringLiteral("mms");
 
 QString quoted(const QString& text) {
     return kQuote + text + kQuote;
@@ -294,8 +297,8 @@ int clsMMSManager::ExportMMS(clsMessage& message, int kind, int durationFormat,
         SetTemplateFileType();
     const QString folder = GetPathFromFilename(AppPaths::toDisk(target), 1);
     const QString baseName = GetFilenameFromPath(target, false);
-    const QString output = kind == ExportTemplate  ? folder + baseName + ".tpl"
-                           : kind == ExportPackage ? folder + baseName + ".SIS"
+    const QString output = kind == ExportTemplate  ? folder + kPackageBaseName + ".tpl"
+                           : kind == ExportPackage ? folder + kPackageBaseName + ".SIS"
                                                    : AppPaths::toDisk(target);
     if (!overwrite && QFileInfo::exists(output)) {
         m_exportStatus =
@@ -308,12 +311,35 @@ int clsMMSManager::ExportMMS(clsMessage& message, int kind, int durationFormat,
     if (!exporter.run(message,
                       [this](int slide, int count) { emit ProsessingSlide(slide, count); }))
         return exportFailed(exporter.status());
-    if (kind == ExportTemplate && !packTemplate(folder, baseName, message.MMSFileList()))
+    if (kind == ExportTemplate && !packTemplate(folder, kPackageBaseName, message.MMSFileList()))
         return ExportFailed;
-    if (kind == ExportPackage && !buildPackage(folder, baseName, message.MMSFileList()))
+    if (kind == ExportPackage && !buildPackage(folder, kPackageBaseName, message.MMSFileList()))
         return ExportFailed;
     m_exportStatus = QStringLiteral("OK");
     return ExportOk;
+}
+
+bool clsMMSManager::SaveAsMMS(const QString& folder, const QString& baseName,
+                              const QString& fileList, const QString& messageName,
+                              MmsPacker::MessageType type) {
+    MmsPacker packer;
+    packer.setMessageType(type);
+    QStringList table;
+    clsPropertiesXML* settings = AppGlobals::settings();
+    if (settings)
+        settings->GetPropList("MimeTypes", table, "=");
+    for (const QString& entry : table)
+        packer._RegisterMimeType(entry.section(QLatin1Char('='), 0, 0),
+                                 entry.section(QLatin1Char('='), 1), 0);
+    const int result =
+        packer._Pack(AppPaths::toDisk(folder), baseName + ".wap", fileList, messageName);
+    m_saveAsMmsOk = result <= 0;
+    m_saveAsMmsCode = m_saveAsMmsOk ? 0 : kSaveAsMmsFailed;
+    m_saveAsMmsStatus =
+        m_saveAsMmsOk ? QStringLiteral("OK")
+                      : AppGlobals::text("STR_ERROR_TAR_PACK", "The files could not be packed") +
+                            " (WAP " + QString::number(result) + ") " + packer.lastError();
+    return m_saveAsMmsOk;
 }
 
 int clsMMSManager::exportFailed(const QString& status) {

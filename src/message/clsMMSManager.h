@@ -1,5 +1,6 @@
 #pragma once
 
+#include "MmsPacker.h"
 #include "SmilImporter.h"
 #include "TarEngine.h"
 #include "UniqueNamer.h"
@@ -66,13 +67,23 @@ public:
     enum ImportKind { ImportSmil = 1, ImportTemplate = 2 };
 
     // Writes the message as a SMIL set beside target (FOLDER/NAME.smil), and
-    // for a template also FOLDER/NAME.tpl. Never overwrites without leave.
+    // for a template also FOLDER/mms.tpl, for a package FOLDER/mms.pkg and
+    // FOLDER/mms.SIS. Never overwrites without leave.
     int ExportMMS(clsMessage& message, int kind, int durationFormat, const QString& target,
                   bool overwrite);
     // A new message named "import" from a SMIL file or a template archive;
     // nullptr, with the status saying why, when it cannot be read.
     clsMessage* ImportMMS(const QString& path, int kind);
     QString GetExportImportStatus() const { return m_exportStatus; }
+    // The exported SMIL set of folder as a binary MMS, folder + baseName + ".wap".
+    bool SaveAsMMS(const QString& folder, const QString& baseName, const QString& fileList,
+                   const QString& messageName,
+                   MmsPacker::MessageType type = MmsPacker::MessageType::SendRequest);
+    bool GetSaveAsMMSStatus() const { return m_saveAsMmsOk; }
+    // 0 after success, kSaveAsMmsFailed after a failure, with the text saying why.
+    int saveAsMmsCode() const { return m_saveAsMmsCode; }
+    QString saveAsMmsStatus() const { return m_saveAsMmsStatus; }
+    static constexpr int kSaveAsMmsFailed = 6;
     void SetTemplateFileType() { m_templateFileType = true; }
     void ClearTemplateFileType() { m_templateFileType = false; }
     int WavToAmr(const QString& source, const QString& target);
@@ -123,4 +134,7 @@ private:
     QString m_lastError;
     QString m_exportStatus;
     bool m_templateFileType = false;
+    bool m_saveAsMmsOk = false;
+    int m_saveAsMmsCode = 0;
+    QString m_saveAsMmsStatus;
 };

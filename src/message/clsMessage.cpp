@@ -51,12 +51,7 @@ void clsMessage::Initialize(const QString& xmlPath, const QString& name,
 }
 
 void clsMessage::startSkeleton() {
-    m_document.reset();
-    m_document.load_string(kSkeleton);
-    pugi::xml_node declaration =
-        m_document.insert_child_before(pugi::node_declaration, m_document.first_child());
-    declaration.append_attribute("version") = "1.0";
-    declaration.append_attribute("encoding") = "utf-8";
+    DomAttributes::startDocument(m_document, kSkeleton);
 }
 
 QString clsMessage::version() const {

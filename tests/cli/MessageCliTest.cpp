@@ -173,7 +173,7 @@ TEST_F(MessageCliTest, ExportAndImportFromTheCommandLine) {
     const Result tpl = cli({"export", "m.mms", "--kind", "tpl", "--format", "ms", "set/card.smil"});
     ASSERT_EQ(tpl.code, 0) << tpl.err.toStdString();
     QProcess tar;
-    tar.start("tar", {"tf", path("set/card.tpl")});
+    tar.start("tar", {"tf", path("set/mms.tpl")});
     tar.waitForFinished();
     QStringList members =
         QString::fromUtf8(tar.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
@@ -182,7 +182,7 @@ TEST_F(MessageCliTest, ExportAndImportFromTheCommandLine) {
     EXPECT_EQ(members,
               QStringList({"Slide1.jpg", "Slide2.amr", "Slide2.jpg", "mms.smil", "texts.xml"}));
 
-    for (const QString& source : {QStringLiteral("set/mms.smil"), QStringLiteral("set/card.tpl")}) {
+    for (const QString& source : {QStringLiteral("set/mms.smil"), QStringLiteral("set/mms.tpl")}) {
         const Result imported = cli({"import", source, "back.mms"});
         ASSERT_EQ(imported.code, 0) << imported.err.toStdString();
         const Result info = cli({"info", "back.mms"});
@@ -194,8 +194,19 @@ TEST_F(MessageCliTest, ExportAndImportFromTheCommandLine) {
     }
     const Result sis = cli({"export", "m.mms", "--kind", "sis", "--format", "ms", "set/card.smil"});
     ASSERT_EQ(sis.code, 0) << sis.err.toStdString();
-    EXPECT_TRUE(QFileInfo(path("set/card.SIS")).size() > 100);
-    EXPECT_TRUE(QFileInfo::exists(path("set/card.pkg")));
+    EXPECT_TRUE(QFileInfo(path("set/mms.SIS")).size() > 100);
+    EXPECT_TRUE(QFileInfo::exists(path("set/mms.pkg")));
+    const Result wap = cli({"export", "m.mms", "--kind", "wap", "--format", "ms", "set/mms.smil"});
+    ASSERT_EQ(wap.code, 0) << wap.err.toStdString();
+    EXPECT_EQ(QFile(path("set/mms.wap")).exists(), true);
+    EXPECT_EQ(cli({"export", "m.mms", "--kind", "wap", "--format", "ms", "set/mms.smil"}).code, 2);
+    EXPECT_EQ(cli({"export", "m.mms", "--kind", "wap", "--format", "ms", "set/mms.smil",
+                   "--overwrite", "--retrieve-conf"})
+                  .code,
+              0);
+    QFile received(path("set/mms.wap"));
+    ASSERT_TRUE(received.open(QIODevice::ReadOnly));
+    EXPECT_EQ(received.read(2), QByteArray("\x8c\x84")) << "an m-retrieve-conf";
     EXPECT_EQ(cli({"export", "m.mms", "--kind", "zip", "--format", "s", "set/x.smil"}).code, 64);
     const Result bad = cli({"import", "m.mms", "x.mms"});
     EXPECT_EQ(bad.code, 1);

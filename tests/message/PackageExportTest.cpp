@@ -69,18 +69,18 @@ protected:
 };
 
 TEST_F(PackageExportTest, TheBuiltPackageReadsBackWithEveryFile) {
+    // The package is named after "mms" whatever the presentation is called.
     ASSERT_EQ(m_manager.ExportMMS(*m_message, 4, 0, m_out + "Holiday.smil", false), 0)
         << m_manager.GetExportImportStatus().toStdString();
-    const QStringList definition =
-        readFile(m_out + "Holiday.pkg").split("\r\n", Qt::SkipEmptyParts);
+    const QStringList definition = readFile(m_out + "mms.pkg").split("\r\n", Qt::SkipEmptyParts);
     ASSERT_EQ(definition.size(), 3 + 3) << "the picture, the index and the presentation";
-    EXPECT_EQ(definition[0], "#{\"Holiday\"},(0x10E7B29D),1,0,0,TYPE=SISUPGRADE");
+    EXPECT_EQ(definition[0], "#{\"mms\"},(0x10E7B29D),1,0,0,TYPE=SISUPGRADE");
 
-    const QJsonObject package = readPackage(m_out + "Holiday.SIS");
+    const QJsonObject package = readPackage(m_out + "mms.SIS");
     EXPECT_EQ(package["uid1"].toInteger(), 0x10E7B29D);
     EXPECT_TRUE(package["uid4_ok"].toBool());
     EXPECT_TRUE(package["checksum_ok"].toBool());
-    EXPECT_EQ(package["names"].toArray().first().toString(), "Holiday");
+    EXPECT_EQ(package["names"].toArray().first().toString(), "mms");
     QStringList requisites;
     for (const QJsonValue& requisite : package["requisites"].toArray())
         requisites << QString::number(requisite.toObject()["uid"].toInteger(), 16);
@@ -97,22 +97,47 @@ TEST_F(PackageExportTest, TheBuiltPackageReadsBackWithEveryFile) {
             << name.toStdString();
     }
     // The second slide is text on a plain colour: it has no picture to install.
-    EXPECT_EQ(destinations, QStringList({"!:\\documents\\MMS\\Templates\\Holiday\\Slide1.jpg",
-                                         "!:\\documents\\MMS\\Templates\\Holiday\\texts.xml",
-                                         "!:\\documents\\MMS\\Templates\\Holiday\\mms.smil"}));
+    EXPECT_EQ(destinations, QStringList({"!:\\documents\\MMS\\Templates\\mms\\Slide1.jpg",
+                                         "!:\\documents\\MMS\\Templates\\mms\\texts.xml",
+                                         "!:\\documents\\MMS\\Templates\\mms\\mms.smil"}));
 }
 
 TEST_F(PackageExportTest, AFailingBuilderKeepsTheDefinitionAndSaysSo) {
     // A folder where the package should go makes the builder fail to write it.
-    QDir().mkpath(m_out + "Broken.SIS");
+    QDir().mkpath(m_out + "mms.SIS");
     EXPECT_EQ(m_manager.ExportMMS(*m_message, 4, 0, m_out + "Broken.smil", true), 1);
     EXPECT_TRUE(
         m_manager.GetExportImportStatus().startsWith("The installation package cannot be built."))
         << m_manager.GetExportImportStatus().toStdString();
-    EXPECT_TRUE(QFileInfo::exists(m_out + "Broken.pkg"));
-    EXPECT_TRUE(QFileInfo(m_out + "Broken.SIS").isDir());
+    EXPECT_TRUE(QFileInfo::exists(m_out + "mms.pkg"));
+    EXPECT_TRUE(QFileInfo(m_out + "mms.SIS").isDir());
 
-    writeFile(m_out + "Old.SIS", "an earlier package");
-    EXPECT_EQ(m_manager.ExportMMS(*m_message, 4, 0, m_out + "Old.smil", false), 2);
-    EXPECT_EQ(readFile(m_out + "Old.SIS"), "an earlier package");
+    const QString other = dataFile("other/");
+    writeFile(other + "mms.SIS", "an earlier package");
+    EXPECT_EQ(m_manager.ExportMMS(*m_message, 4, 0, other + "Old.smil", false), 2);
+    EXPECT_EQ(readFile(other + "mms.SIS"), "an earlier package");
+    EXPECT_FALSE(QFileInfo::exists(other + "mms.smil")) << "nothing written";
+}
+
+TEST_F(PackageExportTest, ASmilSetBecomesABinaryMmsWithTheSettingsMimeTable) {
+    ASSERT_EQ(m_manager.ExportMMS(*m_message, 1, 0, m_out + "mms.smil", false), 0);
+    ASSERT_TRUE(m_manager.SaveAsMMS(m_out, "mms", m_message->MMSFileList(), m_message->name()))
+        << m_manager.saveAsMmsStatus().toStdString();
+    EXPECT_TRUE(m_manager.GetSaveAsMMSStatus());
+    EXPECT_EQ(m_manager.saveAsMmsCode(), 0);
+    QFile file(m_out + "mms.wap");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray wap = file.readAll();
+    EXPECT_EQ(wap.left(2), QByteArray("\x8c\x80")) << "an m-send-req";
+    EXPECT_TRUE(wap.contains("Holiday"));
+    EXPECT_TRUE(wap.contains("application/smil")) << "the settings' MIME table was registered";
+
+    // A file the list names but the folder lacks: code 6 and the packer's reason.
+    EXPECT_FALSE(m_manager.SaveAsMMS(m_out, "other", m_message->MMSFileList() + ";gone.jpg", "x"));
+    EXPECT_FALSE(m_manager.GetSaveAsMMSStatus());
+    EXPECT_EQ(m_manager.saveAsMmsCode(), clsMMSManager::kSaveAsMmsFailed);
+    EXPECT_TRUE(m_manager.saveAsMmsStatus().startsWith("The files could not be packed (WAP 2) "))
+        << m_manager.saveAsMmsStatus().toStdString();
+    EXPECT_TRUE(m_manager.saveAsMmsStatus().contains("gone.jpg"));
+    EXPECT_FALSE(QFileInfo::exists(m_out + "other.wap"));
 }

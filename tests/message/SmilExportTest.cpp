@@ -166,21 +166,21 @@ TEST_F(SmilExportTest, AnExistingTargetIsLeftAloneWithoutLeave) {
     EXPECT_EQ(exportTo("mms.smil"), 2);
     EXPECT_EQ(readFile(m_out + "mms.smil"), "mine");
     EXPECT_EQ(QDir(m_out).entryList(QDir::Files), QStringList{"mms.smil"}) << "nothing written";
-    writeFile(m_out + "card.tpl", "old template");
+    writeFile(m_out + "mms.tpl", "old template");
     EXPECT_EQ(exportTo("card.smil", 2), 2);
-    EXPECT_EQ(readFile(m_out + "card.tpl"), "old template");
+    EXPECT_EQ(readFile(m_out + "mms.tpl"), "old template");
     EXPECT_EQ(exportTo("mms.smil", 1, 0, true), 0);
     EXPECT_NE(readFile(m_out + "mms.smil"), "mine");
 }
 
 TEST_F(SmilExportTest, ATemplateHoldsThePresentationIndexAndMediaOnly) {
     ASSERT_EQ(exportTo("card.smil", 2), 0) << m_manager.GetExportImportStatus().toStdString();
-    EXPECT_EQ(tarMembers(m_out + "card.tpl"), QStringList({"Slide1.amr", "Slide1.jpg", "Slide3.gif",
-                                                           "Slide3.mp3", "mms.smil", "texts.xml"}));
-    EXPECT_NE(readFile(m_out + "card.tpl").left(2).toLatin1(), QByteArray("\x1f\x8b"))
+    EXPECT_EQ(tarMembers(m_out + "mms.tpl"), QStringList({"Slide1.amr", "Slide1.jpg", "Slide3.gif",
+                                                          "Slide3.mp3", "mms.smil", "texts.xml"}));
+    EXPECT_NE(readFile(m_out + "mms.tpl").left(2).toLatin1(), QByteArray("\x1f\x8b"))
         << "templates are not compressed";
 
-    clsMessage* imported = m_manager.ImportMMS(m_out + "card.tpl", 2);
+    clsMessage* imported = m_manager.ImportMMS(m_out + "mms.tpl", 2);
     ASSERT_NE(imported, nullptr) << m_manager.GetExportImportStatus().toStdString();
     EXPECT_EQ(imported->name(), "import");
     ASSERT_EQ(imported->Slides().Count(), 2);
