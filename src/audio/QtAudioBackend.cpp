@@ -4,6 +4,7 @@
 #include <QAudioSink>
 #include <QAudioSource>
 #include <QBuffer>
+#include <QFileInfo>
 #include <QMediaDevices>
 
 namespace {
@@ -109,7 +110,21 @@ std::unique_ptr<CaptureStream> QtAudioBackend::record(const PcmFormat& format,
     return stream;
 }
 
+namespace {
+// Qt's sound devices on Linux are those of a PulseAudio-compatible server
+// (PipeWire offers the same socket). Asking Qt when no server runs only makes
+// it complain on standard error, so look for the server first.
+bool soundServerReachable() {
+    if (!qEnvironmentVariableIsEmpty("PULSE_SERVER"))
+        return true;
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    return !runtime.isEmpty() && QFileInfo::exists(runtime + "/pulse/native");
+}
+} // namespace
+
 std::unique_ptr<AudioBackend> QtAudioBackend::createIfAvailable() {
+    if (!soundServerReachable())
+        return nullptr;
     const QAudioDevice output = QMediaDevices::defaultAudioOutput();
     if (output.isNull())
         return nullptr;

@@ -1,18 +1,25 @@
 #include "DomAttributes.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 QString DomAttributes::text(pugi::xml_node node, const char* name) {
     return QString::fromUtf8(node.attribute(name).value());
 }
 
 qint64 DomAttributes::number(pugi::xml_node node, const char* name) {
-    // Stored numbers are whole; a value written with a fraction keeps its whole part.
-    return static_cast<qint64>(real(node, name));
+    // Stored numbers are whole and 32-bit; a value written with a fraction keeps
+    // its whole part, and one out of range is held at the end of the range.
+    const double value = std::clamp(real(node, name), double(std::numeric_limits<qint32>::min()),
+                                    double(std::numeric_limits<qint32>::max()));
+    return static_cast<qint64>(value);
 }
 
 double DomAttributes::real(pugi::xml_node node, const char* name) {
     bool ok = false;
     const double value = text(node, name).trimmed().toDouble(&ok);
-    return ok ? value : 0.0;
+    return ok && std::isfinite(value) ? value : 0.0;
 }
 
 void DomAttributes::set(pugi::xml_node node, const char* name, const QString& value) {

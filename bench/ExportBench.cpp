@@ -1,0 +1,141 @@
+// Export of a 50-slide message (a background photograph, a picture, a text and
+// a three-second recording on every slide) as a SMIL set, and the parts the
+// time goes to: rendering a slide, encoding its JPEG, converting its sound.
+#include "AmrConverter.h"
+#include "ImageWriter.h"
+#include "SlideRenderer.h"
+#include "clsMMSManager.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <benchmark/benchmark.h>
+#include <cmath>
+
+namespace {
+constexpr int kSlides = 50;
+
+QByteArray recording(int ms) {
+    QByteArray pcm;
+    for (int i = 0; i < 8 * ms; ++i) {
+        const auto value = qint16(6000 * std::sin(i * 0.11) + 3000 * std::sin(i * 0.031));
+        pcm.append(char(value & 0xFF)).append(char((value >> 8) & 0xFF));
+    }
+    auto le32 = [](quint32 v) { return QByteArray(reinterpret_cast<const char*>(&v), 4); };
+    return "RIFF" + le32(36 + pcm.size()) + "WAVEfmt " + le32(16) +
+           QByteArray::fromHex("01000100401f0000803e000002001000") + "data" + le32(pcm.size()) +
+           pcm;
+}
+
+// Something like a photograph: smooth colour with noise, which JPEG finds hard.
+QImage photograph(QSize size) {
+    QImage picture(size, QImage::Format_RGB32);
+    auto* random = QRandomGenerator::global();
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
+            picture.setPixel(x, y,
+                             qRgb((x * 255 / size.width() + random->bounded(24)) & 0xFF,
+                                  (y * 255 / size.height() + random->bounded(24)) & 0xFF,
+                                  (128 + random->bounded(48)) & 0xFF));
+    return picture;
+}
+
+struct Fixture {
+    QTemporaryDir home;
+    clsMMSManager manager;
+    clsMessage* message = nullptr;
+
+    Fixture() {
+        qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
+        manager.InitializeAt(home.path() + "/work", home.path() + "/archive", "message.xml");
+        message = manager.CreateMsg();
+        const QString work = manager.GetWorkFolderPath();
+        photograph(QSize(176, 144)).save(work + "B.jpg", "JPEG", 90);
+        photograph(QSize(64, 64)).save(work + "I.png");
+        QFile sound(work + "A.wav");
+        sound.open(QIODevice::WriteOnly);
+        sound.write(recording(3000));
+        sound.close();
+        for (int i = 0; i < kSlides; ++i)
+            addSlide(message->Slides().Add());
+    }
+
+    void addSlide(clsSlide& slide) {
+        slide.setDuration(3000);
+        slide.DrawObjects().setBackType(1);
+        slide.DrawObjects().setBackPicture("B.jpg");
+        DrawObjectProperties picture;
+        picture.typ = "image";
+        picture.image = "I.png";
+        picture.x = 10;
+        picture.y = 10;
+        picture.w = 64;
+        picture.h = 64;
+        slide.DrawObjects().Add().SetAllPproperties(picture);
+        DrawObjectProperties text;
+        text.typ = "text";
+        text.text = "Greetings from the seaside";
+        text.y = 90;
+        text.w = 160;
+        text.h = 30;
+        text.fontName = "DejaVu Sans";
+        text.fontSize = 12;
+        slide.DrawObjects().Add().SetAllPproperties(text);
+        slide.setSound("A.wav");
+        slide.setText("A line of text for the slide");
+    }
+};
+
+Fixture& fixture() {
+    static Fixture instance;
+    return instance;
+}
+
+void exportMessage(benchmark::State& state) {
+    Fixture& f = fixture();
+    const QString out = f.home.path() + "/out/";
+    QDir().mkpath(out);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(f.manager.ExportMMS(*f.message, 1, 0, out + "mms.smil", true));
+    state.counters["slides"] = kSlides;
+}
+
+void renderSlide(benchmark::State& state) {
+    Fixture& f = fixture();
+    const SlideRenderer renderer(f.manager.GetWorkFolderPath(), QSize(160, 120));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(renderer.render(f.message->Slides().Item(1).DrawObjects()));
+}
+
+void encodeSlideJpeg(benchmark::State& state) {
+    Fixture& f = fixture();
+    const QImage slide = SlideRenderer(f.manager.GetWorkFolderPath(), QSize(160, 120))
+                             .render(f.message->Slides().Item(1).DrawObjects());
+    const QString target = f.home.path() + "/one.jpg";
+    for (auto _ : state)
+        ImageWriter::write(slide, ImageWriter::Jpeg, target, ImageWriter::Settings{});
+}
+
+void convertSoundToAmr(benchmark::State& state) {
+    Fixture& f = fixture();
+    const QString source = f.manager.GetWorkFolderPath() + "A.wav";
+    const QString target = f.home.path() + "/one.amr";
+    for (auto _ : state)
+        benchmark::DoNotOptimize(AmrConverter::wav2amr(source, target));
+}
+} // namespace
+
+BENCHMARK(exportMessage)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(renderSlide)->Unit(benchmark::kMicrosecond);
+BENCHMARK(encodeSlideJpeg)->Unit(benchmark::kMicrosecond);
+BENCHMARK(convertSoundToAmr)->Unit(benchmark::kMillisecond);
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication app(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
