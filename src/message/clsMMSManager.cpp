@@ -437,8 +437,8 @@ clsMessage* clsMMSManager::ImportMMS(const QString& path, int kind) {
 clsMessage* clsMMSManager::buildImported(const SmilImporter& importer) {
     clsMessage* message = CreateMsg();
     message->setName(QStringLiteral("import"));
-    for (const SmilImporter::Slide& spec : importer.slides()) {
-        if (!fillImportedSlide(message->Slides().Add(), spec)) {
+    for (const SmilImporter::Slide& imported : importer.slides()) {
+        if (!fillImportedSlide(message->Slides().Add(), imported)) {
             // A copy that failed half-way (a full disk) leaves no half message behind.
             emptyWorkFolder();
             m_message.reset();
@@ -449,22 +449,22 @@ clsMessage* clsMMSManager::buildImported(const SmilImporter& importer) {
     return message;
 }
 
-bool clsMMSManager::fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& spec) {
-    slide.setDuration(spec.duration);
-    slide.setText(spec.text);
-    if (!spec.picture.isEmpty()) {
-        const QString name = copyIntoWorkFolder("B", spec.picture);
+bool clsMMSManager::fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& imported) {
+    slide.setDuration(imported.duration);
+    slide.setText(imported.text);
+    if (!imported.picture.isEmpty()) {
+        const QString name = copyIntoWorkFolder("B", imported.picture);
         if (name.isEmpty())
             return false;
         slide.DrawObjects().setBackType(clsDrawObjects::KindOfFile(name));
         slide.DrawObjects().setBackPicture(name);
     }
-    if (!spec.sound.isEmpty()) {
-        const QString name = copyIntoWorkFolder("A", spec.sound);
+    if (!imported.sound.isEmpty()) {
+        const QString name = copyIntoWorkFolder("A", imported.sound);
         if (name.isEmpty())
             return false;
         slide.setSound(name);
-        slide.setSoundName(GetFilenameFromPath(spec.sound, false));
+        slide.setSoundName(GetFilenameFromPath(imported.sound, false));
         slide.setSoundDuration(soundLength(m_workFolder + name));
     }
     return true;

@@ -118,7 +118,7 @@ private:
     bool buildPackage(const QString& folder, const QString& baseName, const QString& fileList);
     QString runPackageBuilder(const QString& definition);
     clsMessage* buildImported(const SmilImporter& importer);
-    bool fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& spec);
+    bool fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& imported);
     QString copyIntoWorkFolder(const QString& prefix, const QString& source);
     int exportFailed(const QString& status);
 
