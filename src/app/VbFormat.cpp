@@ -71,6 +71,9 @@ std::int64_t VbFormat::toInteger(const QString& text, bool* ok) {
     double value = text.trimmed().toDouble(&parsed);
     if (!parsed)
         value = QLocale().toDouble(text.trimmed(), &parsed);
+    // Like the conversion it stands for, a number beyond the range is no number.
+    constexpr double limit = 9.2e18;
+    parsed = parsed && std::isfinite(value) && std::fabs(value) < limit;
     if (ok)
         *ok = parsed;
     return parsed ? static_cast<std::int64_t>(std::nearbyint(value)) : 0;

@@ -4,6 +4,9 @@
 #include "DomAttributes.h"
 #include "VbFormat.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace {
 // The text the presentation starts from, line by line; attribute values that
 // come from the message are set afterwards, so no name can break the XML.
@@ -27,6 +30,8 @@ const char* const kTextsIndex = "<mms-text-files>\r\n"
                                 "<message>\r\n"
                                 "</message>\r\n"
                                 "</mms-text-files>";
+
+constexpr qint64 kMaxMs = std::numeric_limits<qint32>::max();
 
 qint64 wholeNumberBefore(const QString& text, QChar letter) {
     return VbFormat::toInteger(text.left(text.indexOf(letter)));
@@ -57,9 +62,11 @@ QString SmilDocument::formatDuration(qint64 ms, int format) {
 }
 
 qint64 SmilDocument::parseDuration(const QString& text) {
+    qint64 ms = 0;
     if (text.contains(QLatin1Char('m')))
-        return wholeNumberBefore(text, QLatin1Char('m'));
-    if (text.contains(QLatin1Char('s')))
-        return wholeNumberBefore(text, QLatin1Char('s')) * 1000;
-    return 0;
+        ms = wholeNumberBefore(text, QLatin1Char('m'));
+    else if (text.contains(QLatin1Char('s')))
+        ms = std::clamp<qint64>(wholeNumberBefore(text, QLatin1Char('s')), 0, kMaxMs / 1000) * 1000;
+    // Slide times are 32-bit milliseconds and never negative.
+    return std::clamp<qint64>(ms, 0, kMaxMs);
 }

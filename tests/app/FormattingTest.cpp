@@ -30,6 +30,8 @@ TEST(VbFormatTest, IntegerConversionRoundsHalfToEven) {
     bool ok = true;
     EXPECT_EQ(VbFormat::toInteger("abc", &ok), 0);
     EXPECT_FALSE(ok);
+    EXPECT_EQ(VbFormat::toInteger("1e300", &ok), 0) << "too large to be a whole number";
+    EXPECT_FALSE(ok);
 }
 
 TEST(LocaleInfoTest, LocalesMapToWindowsIdsAndCodePages) {

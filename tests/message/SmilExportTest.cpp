@@ -148,6 +148,10 @@ TEST_F(SmilExportTest, SecondsAlwaysUseADecimalPoint) {
     EXPECT_EQ(SmilDocument::parseDuration("3.5s"), 4000);
     EXPECT_EQ(SmilDocument::parseDuration("indefinite"), 0);
     EXPECT_EQ(SmilDocument::parseDuration(""), 0);
+    EXPECT_EQ(SmilDocument::parseDuration("-4s"), 0);
+    EXPECT_EQ(SmilDocument::parseDuration("99999999999ms"), 2147483647) << "32-bit milliseconds";
+    EXPECT_EQ(SmilDocument::parseDuration("4666666666666666666666666s"), 0)
+        << "a number out of every range is no number";
 }
 
 TEST_F(SmilExportTest, AnotherNameNumbersEveryFileAfterIt) {
