@@ -211,3 +211,13 @@ bool FakeAdapter::SendFile(const QString& path) {
         setLastError(QStringLiteral("refused by the test"));
     return accepts;
 }
+
+QString startPrivateObexServer(ObexTestServer& server) {
+    const QString unavailable = enterPrivateNetwork();
+    if (!unavailable.isEmpty())
+        return unavailable;
+    const QString problem = server.start();
+    if (!problem.isEmpty() && !problem.contains("not installed"))
+        ADD_FAILURE() << problem.toStdString();
+    return problem;
+}

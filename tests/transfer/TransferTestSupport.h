@@ -41,6 +41,11 @@ private:
     QByteArray m_output;
 };
 
+// Enters a private network and starts the server there. Returns why the test
+// cannot run here (no root, the server program not installed), or "" when the
+// server listens; any other trouble is recorded as a failure and returned too.
+QString startPrivateObexServer(ObexTestServer& server);
+
 // A hand-made OBEX peer on loopback that misbehaves the way real phones do.
 class RawObexPeer {
 public:
