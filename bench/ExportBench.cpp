@@ -66,20 +66,10 @@ struct Fixture {
         slide.setDuration(3000);
         slide.DrawObjects().setBackType(1);
         slide.DrawObjects().setBackPicture("B.jpg");
-        DrawObjectProperties picture;
-        picture.typ = "image";
-        picture.image = "I.png";
-        picture.x = 10;
-        picture.y = 10;
-        picture.w = 64;
-        picture.h = 64;
-        slide.DrawObjects().Add().SetAllPproperties(picture);
-        DrawObjectProperties text;
-        text.typ = "text";
-        text.text = "Greetings from the seaside";
-        text.y = 90;
-        text.w = 160;
-        text.h = 30;
+        slide.DrawObjects().Add().SetAllPproperties(
+            DrawObjectProperties::forImage("I.png", QRect(10, 10, 64, 64)));
+        DrawObjectProperties text =
+            DrawObjectProperties::forText("Greetings from the seaside", QRect(0, 90, 160, 30));
         text.fontName = "DejaVu Sans";
         text.fontSize = 12;
         slide.DrawObjects().Add().SetAllPproperties(text);

@@ -70,6 +70,11 @@ QString AppPaths::withSlash(const QString& folder) {
     return path;
 }
 
+QString AppPaths::extensionOf(const QString& fileName) {
+    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
+    return dot < 0 ? QString() : fileName.mid(dot);
+}
+
 bool AppPaths::createPath(const QString& folder) {
     const QString path = toDisk(folder);
     QDir().mkpath(path);

@@ -26,6 +26,9 @@ public:
     static QString programRelative(const QString& storedPath);
     // The path with a trailing "/" added when missing.
     static QString withSlash(const QString& folder);
+    // The text from the last "." on, dot included, as it stands (".JPG");
+    // "" when there is no ".".
+    static QString extensionOf(const QString& fileName);
     // Creates every missing folder of the path; true when it exists afterwards.
     static bool createPath(const QString& folder);
 };

@@ -1,7 +1,8 @@
 #include "IniDocument.h"
 
+#include "TextDecoder.h"
+
 #include <QFile>
-#include <QStringDecoder>
 
 namespace {
 bool isComment(const QString& line) {
@@ -22,12 +23,6 @@ QString valueOf(const QString& line) {
         value = value.mid(1, value.size() - 2);
     return value;
 }
-
-QString decode(const QByteArray& bytes) {
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    const QString text = utf8.decode(bytes);
-    return utf8.hasError() ? QString::fromLatin1(bytes) : text;
-}
 } // namespace
 
 IniDocument IniDocument::load(const QString& path) {
@@ -36,7 +31,7 @@ IniDocument IniDocument::load(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return document;
-    QStringList lines = decode(file.readAll()).split(QLatin1Char('\n'));
+    QStringList lines = TextDecoder::utf8OrLatin1(file.readAll()).split(QLatin1Char('\n'));
     if (!lines.isEmpty() && lines.last().isEmpty())
         lines.removeLast(); // the end of the last line, not a line of its own
     for (QString line : lines) {

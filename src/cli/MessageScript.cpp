@@ -166,35 +166,20 @@ bool MessageScript::image() {
     if (name.isEmpty() || !takeRect(rect))
         return false;
     QFile::copy(file, m_manager.GetWorkFolderPath() + name);
-    DrawObjectProperties p;
-    p.name = "Image" + QString::number(++m_objects);
-    p.typ = "image";
-    p.image = name;
-    p.x = rect.x();
-    p.y = rect.y();
-    p.w = rect.width();
-    p.h = rect.height();
-    p.zorder = m_objects;
+    DrawObjectProperties p = DrawObjectProperties::forImage(name, rect, ++m_objects);
+    p.name = "Image" + QString::number(m_objects);
     current->DrawObjects().Add().SetAllPproperties(p);
     return true;
 }
 
 bool MessageScript::addText() {
     clsSlide* current = slide();
-    DrawObjectProperties p;
-    p.text = take();
+    const QString text = take();
     QRect rect;
     if (!current || !takeRect(rect))
         return false;
-    p.name = "Text" + QString::number(++m_objects);
-    p.typ = "text";
-    p.x = rect.x();
-    p.y = rect.y();
-    p.w = rect.width();
-    p.h = rect.height();
-    p.zorder = m_objects;
-    p.fontName = "Verdana";
-    p.fontSize = 10;
+    DrawObjectProperties p = DrawObjectProperties::forText(text, rect, ++m_objects);
+    p.name = "Text" + QString::number(m_objects);
     m_lastText = &current->DrawObjects().Add();
     m_lastText->SetAllPproperties(p);
     return true;

@@ -3,6 +3,7 @@
 #include "AmrConverter.h"
 #include "AppError.h"
 #include "AppGlobals.h"
+#include "AppPaths.h"
 #include "ImageWriter.h"
 #include "SlideRenderer.h"
 #include "SmilDocument.h"
@@ -14,11 +15,6 @@
 #include <QFile>
 
 namespace {
-QString extensionOf(const QString& fileName) {
-    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
-    return dot < 0 ? QString() : fileName.mid(dot);
-}
-
 ImageWriter::Settings encoderSettings() {
     clsPropertiesXML* settings = AppGlobals::settings();
     return settings ? ImageWriter::readSettings(*settings) : ImageWriter::Settings{};
@@ -92,7 +88,7 @@ bool SmilExporter::exportPicture(const clsSlide& slide, const QString& workFolde
     QString name;
     if (objects.BackType() == clsDrawObjects::BackAnimated) {
         // An animation goes out as it is: converting it would stop it.
-        name = fileName(slide.index(), extensionOf(objects.BackPicture()));
+        name = fileName(slide.index(), AppPaths::extensionOf(objects.BackPicture()));
         QFile::remove(m_folder + name);
         if (!QFile::copy(workFolder + objects.BackPicture(), m_folder + name))
             return fail("STR_ERROR_PICT_CONV", "The picture cannot be converted.",
@@ -126,7 +122,8 @@ bool SmilExporter::exportSound(const clsSlide& slide, const QString& workFolder,
         return true;
     const QString source = workFolder + slide.Sound();
     const bool convert = convertsToAmr(source);
-    const QString name = fileName(slide.index(), convert ? ".amr" : extensionOf(slide.Sound()));
+    const QString name =
+        fileName(slide.index(), convert ? ".amr" : AppPaths::extensionOf(slide.Sound()));
     QFile::remove(m_folder + name);
     if (convert) {
         const int result = AmrConverter::wav2amr(source, m_folder + name);

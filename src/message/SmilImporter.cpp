@@ -2,20 +2,14 @@
 
 #include "AppPaths.h"
 #include "SmilDocument.h"
+#include "TextDecoder.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QStringDecoder>
 
 namespace {
 constexpr qint64 kMaxTextBytes = 64 * 1024;
-
-QString decode(const QByteArray& bytes) {
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    const QString text = utf8.decode(bytes);
-    return utf8.hasError() ? QString::fromLatin1(bytes) : text;
-}
 
 QString attribute(const pugi::xml_node& node, const char* name) {
     return QString::fromUtf8(node.attribute(name).value()).trimmed();
@@ -97,7 +91,7 @@ QString SmilImporter::textOf(const QString& source) {
         fail("The text file cannot be read: " + source);
         return QString();
     }
-    QString text = decode(file.read(kMaxTextBytes));
+    QString text = TextDecoder::utf8OrLatin1(file.read(kMaxTextBytes));
     // Text files end with one line break that is not part of the text.
     if (text.endsWith(QLatin1String("\r\n")))
         text.chop(2);

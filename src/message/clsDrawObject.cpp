@@ -13,6 +13,35 @@ bool isTrue(pugi::xml_node node, const char* name) {
 }
 } // namespace
 
+namespace {
+DrawObjectProperties placed(const QString& typ, const QRect& rect, int zorder) {
+    DrawObjectProperties p;
+    p.typ = typ;
+    p.x = rect.x();
+    p.y = rect.y();
+    p.w = rect.width();
+    p.h = rect.height();
+    p.zorder = zorder;
+    return p;
+}
+} // namespace
+
+DrawObjectProperties DrawObjectProperties::forImage(const QString& file, const QRect& rect,
+                                                    int zorder) {
+    DrawObjectProperties p = placed("image", rect, zorder);
+    p.image = file;
+    return p;
+}
+
+DrawObjectProperties DrawObjectProperties::forText(const QString& text, const QRect& rect,
+                                                   int zorder) {
+    DrawObjectProperties p = placed("text", rect, zorder);
+    p.text = text;
+    p.fontName = "Verdana";
+    p.fontSize = 10;
+    return p;
+}
+
 void clsDrawObject::Initialize(pugi::xml_node drawObjects) {
     m_element = drawObjects.append_child("DRAWOBJECT");
 }

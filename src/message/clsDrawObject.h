@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRect>
 #include <QString>
 #include <pugixml.hpp>
 
@@ -22,6 +23,11 @@ struct DrawObjectProperties {
     bool italic = false;
     bool underline = false;
     int charset = 0;
+
+    // An image object showing a work-folder picture in a rectangle.
+    static DrawObjectProperties forImage(const QString& file, const QRect& rect, int zorder = 0);
+    // A text object in a rectangle, in the font a new text starts with.
+    static DrawObjectProperties forText(const QString& text, const QRect& rect, int zorder = 0);
 };
 
 // One picture or text placed on a slide picture: a view of its DRAWOBJECT

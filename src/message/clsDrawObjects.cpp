@@ -1,6 +1,7 @@
 #include "clsDrawObjects.h"
 
 #include "AppGlobals.h"
+#include "AppPaths.h"
 #include "DomAttributes.h"
 #include "Mci.h"
 
@@ -99,8 +100,7 @@ void clsDrawObjects::setBackPicture(const QString& name) {
 int clsDrawObjects::KindOfFile(const QString& fileName) {
     static const QStringList still{"bmp", "tif", "tiff", "png", "jpg", "jpeg", "wbmp"};
     static const QStringList animated{"gif", "avi", "mp4"};
-    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
-    const QString extension = dot < 0 ? QString() : fileName.mid(dot + 1).toLower();
+    const QString extension = AppPaths::extensionOf(fileName).mid(1).toLower();
     if (still.contains(extension))
         return BackStill;
     if (animated.contains(extension))

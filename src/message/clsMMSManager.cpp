@@ -115,8 +115,7 @@ QString clsMMSManager::GetPathFromFilename(const QString& path, int keepSeparato
 }
 
 QString clsMMSManager::GetFilenameExtension(const QString& fileName) {
-    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
-    return dot < 0 ? QString() : fileName.mid(dot);
+    return AppPaths::extensionOf(fileName);
 }
 
 QString clsMMSManager::ReplaceFilenameExtension(const QString& fileName, const QString& extension) {

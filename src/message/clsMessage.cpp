@@ -18,11 +18,6 @@ const char* const kSkeleton = "<ROOT>\r\n"
                               "</FILELIST>\r\n"
                               "</MMS>\r\n"
                               "</ROOT>";
-
-QString extensionAsItStands(const QString& fileName) {
-    const qsizetype dot = fileName.lastIndexOf(QLatin1Char('.'));
-    return dot < 0 ? QString() : fileName.mid(dot);
-}
 } // namespace
 
 clsMessage::clsMessage() = default;
@@ -136,7 +131,7 @@ void clsMessage::CopySlide(const clsSlide& source, clsSlide& target) {
 QString clsMessage::copyMedia(const QString& prefix, const QString& fileName) {
     if (fileName.isEmpty())
         return QString();
-    const QString copy = m_namer.next(prefix, extensionAsItStands(fileName));
+    const QString copy = m_namer.next(prefix, AppPaths::extensionOf(fileName));
     QFile::copy(m_path + fileName, m_path + copy);
     return copy;
 }

@@ -1,5 +1,6 @@
 #include "clsSlide.h"
 
+#include "AppPaths.h"
 #include "DomAttributes.h"
 
 namespace {
@@ -65,11 +66,11 @@ void clsSlide::setSoundDuration(qint64 ms) {
 }
 
 QString clsSlide::SlideFileName() const {
-    QString extension = QStringLiteral(".bmp");
-    const QString background = m_drawObjects.BackPicture();
-    if (m_drawObjects.BackType() == clsDrawObjects::BackAnimated && background.contains('.'))
-        extension = background.mid(background.lastIndexOf(QLatin1Char('.')));
-    return name() + "_" + QString::number(index()) + extension;
+    const QString own = AppPaths::extensionOf(m_drawObjects.BackPicture());
+    const bool keepsAnimation =
+        m_drawObjects.BackType() == clsDrawObjects::BackAnimated && !own.isEmpty();
+    return name() + "_" + QString::number(index()) +
+           (keepsAnimation ? own : QStringLiteral(".bmp"));
 }
 
 QString clsSlide::Sound() const {

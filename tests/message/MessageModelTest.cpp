@@ -75,15 +75,8 @@ TEST_F(MessageModelTest, EveryAttributeSurvivesTheFile) {
     clsDrawObjects& objects = slide.DrawObjects();
     objects.setBackType(clsDrawObjects::BackStill);
     objects.setBackPicture("B1.jpg");
-    DrawObjectProperties text;
+    DrawObjectProperties text = DrawObjectProperties::forText("Grüße", QRect(5, 6, 100, 30), 2);
     text.name = "Label1";
-    text.typ = "text";
-    text.x = 5;
-    text.y = 6;
-    text.w = 100;
-    text.h = 30;
-    text.zorder = 2;
-    text.text = "Grüße";
     text.fontName = "DejaVu Serif";
     text.fontSize = 12.5;
     text.fontColor = 65280;
@@ -92,13 +85,8 @@ TEST_F(MessageModelTest, EveryAttributeSurvivesTheFile) {
     text.underline = true;
     text.charset = 238;
     objects.Add().SetAllPproperties(text);
-    DrawObjectProperties picture;
+    DrawObjectProperties picture = DrawObjectProperties::forImage("I2.png", QRect(1, 0, 20, 10));
     picture.name = "Image1";
-    picture.typ = "image";
-    picture.x = 1;
-    picture.w = 20;
-    picture.h = 10;
-    picture.image = "I2.png";
     objects.Add().SetAllPproperties(picture);
     const SlideRenderer renderer(m_work, QSize(160, 120));
     m_message.setSlideRenderer(
@@ -236,11 +224,8 @@ TEST_F(MessageModelTest, CopyingASlideCopiesItsFilesUnderFreshNames) {
     source.DrawObjects().setBackType(2);
     source.DrawObjects().setBackPicture("B1.gif");
     source.DrawObjects().setBackDuration(1200);
-    DrawObjectProperties image;
-    image.typ = "image";
-    image.image = "I1.png";
-    image.w = 9;
-    source.DrawObjects().Add().SetAllPproperties(image);
+    source.DrawObjects().Add().SetAllPproperties(
+        DrawObjectProperties::forImage("I1.png", QRect(0, 0, 9, 9)));
     clsSlide& copy = slides.AddAfter(1);
     m_message.CopySlide(slides.Item(1), copy);
 

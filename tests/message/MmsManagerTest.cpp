@@ -97,12 +97,8 @@ TEST_F(MmsManagerTest, SavedMessagesListFlatAndOpenWithEverything) {
     clsSlide& first = message->Slides().Add();
     first.setSound("A1.wav");
     first.setSoundDuration(1500);
-    DrawObjectProperties image;
-    image.typ = "image";
-    image.image = "I1.png";
-    image.w = 160;
-    image.h = 120;
-    first.DrawObjects().Add().SetAllPproperties(image);
+    first.DrawObjects().Add().SetAllPproperties(
+        DrawObjectProperties::forImage("I1.png", QRect(0, 0, 160, 120)));
     message->Slides().Add().setText("second");
     QList<int> progress;
     QObject::connect(&m_manager, &clsMMSManager::ProsessingSlide,

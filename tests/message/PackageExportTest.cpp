@@ -37,13 +37,9 @@ protected:
         m_message->setName("Holiday");
         QFile::copy(programFile("archive/Pictures/heart.gif"),
                     m_manager.GetWorkFolderPath() + "I1.gif");
-        DrawObjectProperties heart;
-        heart.typ = "image";
-        heart.image = "I1.gif";
-        heart.w = 64;
-        heart.h = 64;
         clsSlide& slide = m_message->Slides().Add();
-        slide.DrawObjects().Add().SetAllPproperties(heart);
+        slide.DrawObjects().Add().SetAllPproperties(
+            DrawObjectProperties::forImage("I1.gif", QRect(0, 0, 64, 64)));
         slide.setText("Wish you were here");
         m_message->Slides().Add().setText("second");
     }

@@ -20,16 +20,8 @@ protected:
         ASSERT_TRUE(picture.save(m_work + name));
     }
     clsDrawObject& addImage(const QString& file, QRect rect, int zorder) {
-        DrawObjectProperties p;
-        p.typ = "image";
-        p.image = file;
-        p.x = rect.x();
-        p.y = rect.y();
-        p.w = rect.width();
-        p.h = rect.height();
-        p.zorder = zorder;
         clsDrawObject& object = m_slide->DrawObjects().Add();
-        object.SetAllPproperties(p);
+        object.SetAllPproperties(DrawObjectProperties::forImage(file, rect, zorder));
         return object;
     }
     QString m_work;
@@ -72,15 +64,9 @@ TEST_F(SlideRendererTest, BackgroundPictureCoversTheSurfaceAndMissingFilesAreNam
 
 TEST_F(SlideRendererTest, TextStaysInsideItsBoxAndFollowsItsAlignment) {
     m_slide->setColor(0xFFFFFF);
-    DrawObjectProperties p;
-    p.typ = "text";
-    p.text = "WWWW WWWW WWWW WWWW WWWW WWWW";
-    p.x = 10;
-    p.y = 10;
-    p.w = 60;
-    p.h = 20;
+    DrawObjectProperties p =
+        DrawObjectProperties::forText("WWWW WWWW WWWW WWWW WWWW WWWW", QRect(10, 10, 60, 20));
     p.fontName = "DejaVu Sans";
-    p.fontSize = 10;
     p.fontColor = 0xFF0000; // blue
     p.bold = true;
     m_slide->DrawObjects().Add().SetAllPproperties(p);

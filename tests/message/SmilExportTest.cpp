@@ -61,13 +61,8 @@ protected:
         clsSlide& first = m_message->Slides().Add();
         first.setDuration(2500);
         first.setColor(0x00FF00);
-        DrawObjectProperties label;
-        label.typ = "text";
-        label.w = 80;
-        label.h = 20;
-        label.text = "Hi";
-        label.fontSize = 10;
-        first.DrawObjects().Add().SetAllPproperties(label);
+        first.DrawObjects().Add().SetAllPproperties(
+            DrawObjectProperties::forText("Hi", QRect(0, 0, 80, 20)));
         first.setSound("A1.wav");
         first.setText("Hello\r\nWorld");
         m_message->Slides().Add().setDuration(0);
