@@ -1,8 +1,13 @@
+#include "PrivateTempDir.h"
+#include "SignalCleanup.h"
 #include "modMain.h"
 
 #include <QApplication>
 
 int main(int argc, char* argv[]) {
+    // Temporary folders go with the program, however it ends.
+    SignalCleanup::install();
+    PrivateTempDir::removeLeftovers();
     QApplication app(argc, argv);
     QApplication::setApplicationName("Vellumo");
     QApplication::setApplicationVersion(VELLUMO_VERSION);

@@ -2,8 +2,8 @@
 
 #include "WavFile.h"
 
+#include "AtomicFile.h"
 #include <QFile>
-#include <QSaveFile>
 #include <array>
 #include <memory>
 #include <opencore-amrnb/interf_dec.h>
@@ -28,7 +28,7 @@ struct DecoderFree {
 };
 
 bool writeAll(const QString& path, const QByteArray& bytes) {
-    QSaveFile file(path);
+    AtomicFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
 }
 } // namespace

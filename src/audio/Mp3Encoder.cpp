@@ -2,7 +2,7 @@
 
 #include "WavFile.h"
 
-#include <QSaveFile>
+#include "AtomicFile.h"
 #include <cstring>
 #include <lame/lame.h>
 #include <memory>
@@ -111,7 +111,7 @@ bool Mp3Encoder::encodeFile(const QString& wavPath, const QString& mp3Path, int 
     }
     if (!encode(sound, kbps, mp3, error))
         return false;
-    QSaveFile file(mp3Path);
+    AtomicFile file(mp3Path);
     if (!file.open(QIODevice::WriteOnly) || file.write(mp3) != mp3.size() || !file.commit()) {
         error = QStringLiteral("cannot write %1").arg(mp3Path);
         return false;

@@ -1,7 +1,7 @@
 #include "WavFile.h"
 
+#include "AtomicFile.h"
 #include <QFile>
-#include <QSaveFile>
 #include <QtEndian>
 #include <algorithm>
 #include <cstring>
@@ -127,7 +127,7 @@ QByteArray WavFile::toBytes(const PcmSound& sound) {
 }
 
 bool WavFile::write(const QString& path, const PcmSound& sound) {
-    QSaveFile file(path);
+    AtomicFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
     const QByteArray bytes = toBytes(sound);

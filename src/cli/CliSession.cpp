@@ -1,5 +1,6 @@
 #include "CliSession.h"
 
+#include "AppError.h"
 #include "AppGlobals.h"
 #include "CliOutput.h"
 #include "SettingsBootstrap.h"
@@ -7,6 +8,9 @@
 #include "clsPropertiesXML.h"
 
 CliSession::CliSession() {
+    if (!m_temp.isValid())
+        throw AppError("CliSession",
+                       "no private temporary folder can be made: " + m_temp.errorString());
     AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
     useWorkFolder(m_temp.path() + "/work");
 }
@@ -39,6 +43,6 @@ void CliSession::setSurface(const QSize& size) {
 }
 
 void CliSession::reportMissingMedia() const {
-    for (const QString& name : m_manager.missingMedia())
-        CliOutput::warning("missing media file " + name + "; its slide goes on without it");
+    for (const QString& why : m_manager.missingMedia())
+        CliOutput::warning("media left out: " + why + "; its slide goes on without it");
 }

@@ -2,8 +2,8 @@
 
 #include "clsMMSManager.h"
 
+#include "PrivateTempDir.h"
 #include <QString>
-#include <QTemporaryDir>
 
 // What every message command needs: the user's settings, opened as the
 // program opens them, and a message manager. The manager works in a private
@@ -25,6 +25,6 @@ public:
     void reportMissingMedia() const;
 
 private:
-    QTemporaryDir m_temp;
+    PrivateTempDir m_temp;
     clsMMSManager m_manager;
 };

@@ -7,17 +7,17 @@
 #include "MessageScript.h"
 #include "NewCommand.h"
 #include "PackCommand.h"
+#include "PrivateTempDir.h"
 #include "RenderCommand.h"
 #include "SendCommand.h"
 #include "SettingsCommand.h"
+#include "SignalCleanup.h"
 #include "UnpackCommand.h"
 
-#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
 #include <functional>
 #include <map>
-#include <unistd.h>
 
 namespace {
 int help(const QStringList& arguments);
@@ -60,14 +60,12 @@ QString fullUsage() {
 }
 
 // Without a session (a service, root in a terminal) the platform complains on
-// standard error, which belongs to our own messages; give it its folder quietly.
-void ensureRuntimeFolder() {
-    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR"))
-        return;
-    const QString folder = QDir::tempPath() + "/runtime-" + QString::number(getuid());
-    QDir().mkpath(folder);
-    QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    qputenv("XDG_RUNTIME_DIR", folder.toLocal8Bit());
+// standard error, which belongs to our own messages; give it a folder quietly.
+// A private one: a fixed name in the shared temporary folder could be a link
+// planted by someone else.
+void ensureRuntimeFolder(const PrivateTempDir& runtime) {
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR") && runtime.isValid())
+        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime.path()));
 }
 
 // The options of "new" are too many for one usage line: they have a page of their own.
@@ -83,7 +81,12 @@ int main(int argc, char* argv[]) {
     // has no window, so it paints off screen unless told otherwise.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    ensureRuntimeFolder();
+    // A command ended by Ctrl+C, a kill or a closed pipe leaves no unpacked
+    // message behind; what a SIGKILL left is swept up here.
+    SignalCleanup::install();
+    PrivateTempDir::removeLeftovers();
+    const PrivateTempDir runtime;
+    ensureRuntimeFolder(runtime);
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName("Vellumo");
     QGuiApplication::setApplicationVersion(VELLUMO_VERSION);

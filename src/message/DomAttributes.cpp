@@ -1,5 +1,10 @@
 #include "DomAttributes.h"
 
+#include "AtomicFile.h"
+#include "XmlText.h"
+
+#include <QByteArray>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -26,7 +31,28 @@ void DomAttributes::set(pugi::xml_node node, const char* name, const QString& va
     pugi::xml_attribute attribute = node.attribute(name);
     if (!attribute)
         attribute = node.append_attribute(name);
-    attribute.set_value(value.toUtf8().constData());
+    attribute.set_value(XmlText::clean(value).toUtf8().constData());
+}
+
+void DomAttributes::setText(pugi::xml_node node, const QString& value) {
+    node.text() = XmlText::clean(value).toUtf8().constData();
+}
+
+void DomAttributes::cleanTree(pugi::xml_node node) {
+    for (pugi::xml_attribute attribute : node.attributes()) {
+        const QString value = QString::fromUtf8(attribute.value());
+        if (!XmlText::isClean(value))
+            attribute.set_value(XmlText::clean(value).toUtf8().constData());
+    }
+    for (pugi::xml_node child : node.children()) {
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+            const QString value = QString::fromUtf8(child.value());
+            if (!XmlText::isClean(value))
+                child.set_value(XmlText::clean(value).toUtf8().constData());
+        } else {
+            cleanTree(child);
+        }
+    }
 }
 
 void DomAttributes::set(pugi::xml_node node, const char* name, qint64 value) {
@@ -36,6 +62,21 @@ void DomAttributes::set(pugi::xml_node node, const char* name, qint64 value) {
 pugi::xml_node DomAttributes::child(pugi::xml_node parent, const char* name) {
     pugi::xml_node node = parent.child(name);
     return node ? node : parent.append_child(name);
+}
+
+namespace {
+struct ByteWriter : pugi::xml_writer {
+    QByteArray bytes;
+    void write(const void* data, size_t size) override {
+        bytes.append(static_cast<const char*>(data), qsizetype(size));
+    }
+};
+} // namespace
+
+bool DomAttributes::save(const pugi::xml_document& document, const QString& path, QString* why) {
+    ByteWriter writer;
+    document.save(writer, "  ", pugi::format_default, pugi::encoding_utf8);
+    return AtomicFile::writeFile(path, writer.bytes, why);
 }
 
 void DomAttributes::startDocument(pugi::xml_document& document, const char* text) {

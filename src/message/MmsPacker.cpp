@@ -1,12 +1,14 @@
 #include "MmsPacker.h"
+
+#include "AtomicFile.h"
 #include "Clock.h"
+#include "PlainFileName.h"
 #include "WspWriter.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <atomic>
 
 using namespace WspWriter;
@@ -144,11 +146,14 @@ int MmsPacker::collectParts(const QDir& folder, const QString& fileList, QList<P
     int start = -1;
     for (const QString& entry : fileList.split(u';', Qt::SkipEmptyParts)) {
         Part part;
-        part.path = folder.filePath(diskPath(entry.trimmed()));
-        part.name = QFileInfo(part.path).fileName();
+        part.name = entry.trimmed();
         if (part.name.isEmpty() || seen.contains(part.name) ||
             part.name.compare(textsIndexName, Qt::CaseInsensitive) == 0)
             continue;
+        QString why;
+        part.path = PlainFileName::existingFile(folder.path(), part.name, &why);
+        if (part.path.isEmpty())
+            return fail(FileUnreadable, QStringLiteral("Unusable file in the list: %1").arg(why));
         if (const int result = checkPart(&part); result != Success)
             return result;
         seen.append(part.name);
@@ -203,7 +208,7 @@ QByteArray MmsPacker::messageHeaders(const QString& messageName, const Part& sta
 
 int MmsPacker::writeMessage(const QString& target, const QByteArray& headers,
                             const QList<Part>& parts) {
-    QSaveFile out(target);
+    AtomicFile out(target);
     if (!out.open(QIODevice::WriteOnly))
         return fail(WriteFailed,
                     QStringLiteral("Cannot create %1: %2").arg(target, out.errorString()));
@@ -222,11 +227,11 @@ int MmsPacker::writeMessage(const QString& target, const QByteArray& headers,
 
 // Streams the file's data after its part header; a file that changed size since
 // it was checked would make the declared length wrong, so it fails the packing.
-int MmsPacker::writePart(QSaveFile* out, const Part& part) {
-    QFile file(part.path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(FileUnreadable,
-                    QStringLiteral("Cannot read %1: %2").arg(part.path, file.errorString()));
+int MmsPacker::writePart(AtomicFile* out, const Part& part) {
+    QFile file;
+    QString why;
+    if (!PlainFileName::open(QFileInfo(part.path).path(), part.name, file, &why))
+        return fail(FileUnreadable, why);
     const QByteArray headers = partHeaders(part.name, part.mimeType);
     out->write(uintvar(quint32(headers.size())) + uintvar(quint32(part.size)) + headers);
     qint64 copied = 0;

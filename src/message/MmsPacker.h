@@ -6,7 +6,7 @@
 #include <QString>
 
 class QDir;
-class QSaveFile;
+class AtomicFile;
 
 // Writes a message's exported SMIL set as one binary MMS (the MMS encapsulation:
 // WSP-encoded headers and a multipart/related body with the SMIL as start part).
@@ -61,7 +61,7 @@ private:
     int checkPart(Part* part);
     QByteArray messageHeaders(const QString& messageName, const Part& start) const;
     int writeMessage(const QString& target, const QByteArray& headers, const QList<Part>& parts);
-    int writePart(QSaveFile* out, const Part& part);
+    int writePart(AtomicFile* out, const Part& part);
     int fail(int result, const QString& reason);
 
     QHash<QString, QString> m_mimeTypes; // lower-case extension without dot -> MIME type

@@ -1,6 +1,6 @@
 #include "PackageDefinition.h"
 
-#include <QSaveFile>
+#include "AtomicFile.h"
 
 namespace {
 const QChar kQuote = QLatin1Char('"');
@@ -24,7 +24,7 @@ QStringList PackageDefinition::lines(const QString& baseName, const QString& fol
 }
 
 bool PackageDefinition::write(const QString& path, const QStringList& lines) {
-    QSaveFile file(path);
+    AtomicFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
     for (const QString& line : lines)

@@ -1,6 +1,7 @@
 #include "SlideRenderer.h"
 
 #include "AppGlobals.h"
+#include "AtomicFile.h"
 #include "StoredColor.h"
 #include "clsDrawObjects.h"
 #include "clsSlide.h"
@@ -75,7 +76,9 @@ QImage SlideRenderer::render(const clsDrawObjects& objects, QSize target) const 
 
 bool SlideRenderer::renderToFile(const clsSlide& slide, const QString& path) const {
     const QImage picture = slide.image().isNull() ? render(slide.DrawObjects()) : slide.image();
-    return picture.convertToFormat(QImage::Format_RGB888).save(path, "BMP");
+    AtomicFile file(path);
+    return file.open(QIODevice::WriteOnly) &&
+           picture.convertToFormat(QImage::Format_RGB888).save(&file, "BMP") && file.commit();
 }
 
 QSize SlideRenderer::surfaceFromSettings() {

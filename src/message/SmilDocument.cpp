@@ -40,19 +40,17 @@ qint64 wholeNumberBefore(const QString& text, QChar letter) {
 
 void SmilDocument::startPresentation(pugi::xml_document& document, const QString& title) {
     DomAttributes::startDocument(document, kPresentation);
-    document.child("smil").child("head").child("meta").attribute("content") =
-        title.toUtf8().constData();
+    DomAttributes::set(document.child("smil").child("head").child("meta"), "content", title);
 }
 
 void SmilDocument::startTextsIndex(pugi::xml_document& document, const QString& title) {
     DomAttributes::startDocument(document, kTextsIndex);
-    document.child("mms-text-files").child("message").append_child("title").text() =
-        title.toUtf8().constData();
+    DomAttributes::setText(document.child("mms-text-files").child("message").append_child("title"),
+                           title);
 }
 
-bool SmilDocument::save(const pugi::xml_document& document, const QString& path) {
-    return document.save_file(AppPaths::toDisk(path).toLocal8Bit().constData(), "  ",
-                              pugi::format_default, pugi::encoding_utf8);
+bool SmilDocument::save(const pugi::xml_document& document, const QString& path, QString* why) {
+    return DomAttributes::save(document, AppPaths::toDisk(path), why);
 }
 
 QString SmilDocument::formatDuration(qint64 ms, int format) {

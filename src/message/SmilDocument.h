@@ -11,7 +11,8 @@ public:
     static void startPresentation(pugi::xml_document& document, const QString& title);
     // <mms-text-files><message><title>...</title></message></mms-text-files>
     static void startTextsIndex(pugi::xml_document& document, const QString& title);
-    static bool save(const pugi::xml_document& document, const QString& path);
+    static bool save(const pugi::xml_document& document, const QString& path,
+                     QString* why = nullptr);
 
     // "2500ms" (format 0) or "2.500s" (format 1, always with a decimal point).
     static QString formatDuration(qint64 ms, int format);

@@ -4,15 +4,16 @@
 #include "AppError.h"
 #include "AppGlobals.h"
 #include "AppPaths.h"
+#include "AtomicFile.h"
+#include "DomAttributes.h"
 #include "ImageWriter.h"
+#include "PlainFileName.h"
 #include "SlideRenderer.h"
 #include "SmilDocument.h"
 #include "VbFormat.h"
 #include "clsMessage.h"
 #include "clsPropertiesXML.h"
 #include "modPlaySound.h"
-
-#include <QFile>
 
 namespace {
 ImageWriter::Settings encoderSettings() {
@@ -27,10 +28,6 @@ bool convertsToAmr(const QString& path) {
     const QStringList info = modPlaySound::GetSoundInfo(path).split(QLatin1Char(';'));
     return info.value(0) == QLatin1String("WAV") && info.value(2) == QLatin1String("8000") &&
            info.value(3) == QLatin1String("16");
-}
-
-void setAttribute(pugi::xml_node node, const char* name, const QString& value) {
-    node.append_attribute(name) = value.toUtf8().constData();
 }
 } // namespace
 
@@ -61,15 +58,16 @@ bool SmilExporter::run(clsMessage& message, const Progress& progress) {
         if (slide->Duration() < 1)
             continue;
         pugi::xml_node par = body.append_child("par");
-        setAttribute(par, "dur", SmilDocument::formatDuration(slide->Duration(), m_durationFormat));
+        DomAttributes::set(par, "dur",
+                           SmilDocument::formatDuration(slide->Duration(), m_durationFormat));
         if (!exportSlide(*slide, message.Path(), par))
             return false;
     }
     progress(count, count);
-    if (!SmilDocument::save(m_texts, m_folder + textsIndexName()) ||
-        !SmilDocument::save(m_smil, m_folder + presentationName()))
-        return fail("STR_ERROR_EXPORT_WRITE",
-                    "The file cannot be written:", m_folder + presentationName());
+    QString why;
+    if (!SmilDocument::save(m_texts, m_folder + textsIndexName(), &why) ||
+        !SmilDocument::save(m_smil, m_folder + presentationName(), &why))
+        return fail("STR_ERROR_EXPORT_WRITE", "The file cannot be written:", why);
     m_files << textsIndexName() << presentationName();
     message.setMMSFileList(m_files.join(QLatin1Char(';')));
     m_status = QStringLiteral("OK");
@@ -88,11 +86,10 @@ bool SmilExporter::exportPicture(const clsSlide& slide, const QString& workFolde
     QString name;
     if (objects.BackType() == clsDrawObjects::BackAnimated) {
         // An animation goes out as it is: converting it would stop it.
+        QString why;
         name = fileName(slide.index(), AppPaths::extensionOf(objects.BackPicture()));
-        QFile::remove(m_folder + name);
-        if (!QFile::copy(workFolder + objects.BackPicture(), m_folder + name))
-            return fail("STR_ERROR_PICT_CONV", "The picture cannot be converted.",
-                        objects.BackPicture());
+        if (!PlainFileName::copy(workFolder, objects.BackPicture(), m_folder + name, &why))
+            return fail("STR_ERROR_PICT_CONV", "The picture cannot be converted.", why);
     } else {
         const bool drawn = objects.Count() > 0 || objects.BackType() == clsDrawObjects::BackStill;
         if (slide.image().isNull() && !drawn)
@@ -110,8 +107,8 @@ bool SmilExporter::exportPicture(const clsSlide& slide, const QString& workFolde
         }
     }
     pugi::xml_node img = par.append_child("img");
-    setAttribute(img, "src", name);
-    setAttribute(img, "region", "Image");
+    DomAttributes::set(img, "src", name);
+    DomAttributes::set(img, "region", "Image");
     m_files << name;
     return true;
 }
@@ -120,20 +117,22 @@ bool SmilExporter::exportSound(const clsSlide& slide, const QString& workFolder,
                                pugi::xml_node par) {
     if (slide.Sound().isEmpty())
         return true;
-    const QString source = workFolder + slide.Sound();
+    QString why;
+    const QString source = PlainFileName::existingFile(workFolder, slide.Sound(), &why);
+    if (source.isEmpty())
+        return fail("STR_ERROR_AUDIO_CONV", "The sound cannot be converted.", why);
     const bool convert = convertsToAmr(source);
     const QString name =
         fileName(slide.index(), convert ? ".amr" : AppPaths::extensionOf(slide.Sound()));
-    QFile::remove(m_folder + name);
     if (convert) {
         const int result = AmrConverter::wav2amr(source, m_folder + name);
         if (result != AmrConverter::Ok)
             return fail("STR_ERROR_AUDIO_CONV", "The sound cannot be converted.",
                         AmrConverter::errorText(result));
-    } else if (!QFile::copy(source, m_folder + name)) {
-        return fail("STR_ERROR_AUDIO_CONV", "The sound cannot be converted.", slide.Sound());
+    } else if (!PlainFileName::copy(workFolder, slide.Sound(), m_folder + name, &why)) {
+        return fail("STR_ERROR_AUDIO_CONV", "The sound cannot be converted.", why);
     }
-    setAttribute(par.append_child("audio"), "src", name);
+    DomAttributes::set(par.append_child("audio"), "src", name);
     m_files << name;
     return true;
 }
@@ -145,16 +144,15 @@ bool SmilExporter::exportText(const clsSlide& slide, pugi::xml_node par) {
     QString name = m_numbered ? fileName(slide.index(), ".txt")
                               : slide.name() + QString::number(slide.index()) + ".txt";
     name.replace(QLatin1Char(' '), QLatin1Char('_'));
-    QFile file(m_folder + name);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
-        file.write((text + "\r\n").toUtf8()) < 0)
-        return fail("STR_ERROR_EXPORT_WRITE", "The file cannot be written:", m_folder + name);
+    QString why;
+    if (!AtomicFile::writeFile(m_folder + name, (text + "\r\n").toUtf8(), &why))
+        return fail("STR_ERROR_EXPORT_WRITE", "The file cannot be written:", why);
     pugi::xml_node entry = m_texts.child("mms-text-files").child("message").append_child("file");
-    setAttribute(entry, "filename", name);
-    entry.text() = text.toUtf8().constData();
+    DomAttributes::set(entry, "filename", name);
+    DomAttributes::setText(entry, text);
     pugi::xml_node textNode = par.append_child("text");
-    setAttribute(textNode, "src", name);
-    setAttribute(textNode, "region", "Text");
+    DomAttributes::set(textNode, "src", name);
+    DomAttributes::set(textNode, "region", "Text");
     m_files << name;
     return true;
 }

@@ -1,10 +1,10 @@
 #include "SmilImporter.h"
 
 #include "AppPaths.h"
+#include "PlainFileName.h"
 #include "SmilDocument.h"
 #include "TextDecoder.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -37,8 +37,12 @@ bool SmilImporter::read(const QString& smilPath, const QString& textsIndexPath) 
 }
 
 bool SmilImporter::readTextsIndex(const QString& path) {
-    if (path.isEmpty() || !QFileInfo::exists(path))
+    const QFileInfo info(path);
+    if (path.isEmpty() || (!info.exists() && !info.isSymLink()))
         return true; // another tool's presentation has none
+    QString why;
+    if (PlainFileName::existingFile(info.path(), info.fileName(), &why).isEmpty())
+        return fail("The texts index cannot be used: " + why);
     pugi::xml_document index;
     if (!index.load_file(AppPaths::toDisk(path).toLocal8Bit().constData()))
         return fail(path + " is not a readable texts index.");
@@ -64,18 +68,12 @@ bool SmilImporter::readPar(const pugi::xml_node& par) {
 }
 
 // A name from the presentation, as a file of its folder. Names that reach out
-// of the folder would let a template read any file of the user's.
+// of the folder, or links, would let a template read any file of the user's.
 QString SmilImporter::mediaPath(const QString& source) {
-    const QString cleaned = QDir::cleanPath(AppPaths::toDisk(source));
-    if (cleaned.isEmpty() || QDir::isAbsolutePath(cleaned) || cleaned.startsWith("..")) {
-        fail("The presentation names a file outside its folder: " + source);
-        return QString();
-    }
-    const QString path = m_folder + cleaned;
-    if (!QFileInfo(path).isFile()) {
-        fail("The presentation names a missing file: " + source);
-        return QString();
-    }
+    QString why;
+    const QString path = PlainFileName::existingFile(m_folder, ownFolderName(source), &why);
+    if (path.isEmpty())
+        fail("The presentation names a file it cannot use: " + why);
     return path;
 }
 
@@ -83,12 +81,10 @@ QString SmilImporter::mediaPath(const QString& source) {
 QString SmilImporter::textOf(const QString& source) {
     if (m_texts.contains(source))
         return m_texts.value(source);
-    const QString path = mediaPath(source);
-    if (path.isEmpty())
-        return QString();
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        fail("The text file cannot be read: " + source);
+    QFile file;
+    QString why;
+    if (!PlainFileName::open(m_folder, ownFolderName(source), file, &why)) {
+        fail("The presentation names a text it cannot use: " + why);
         return QString();
     }
     QString text = TextDecoder::utf8OrLatin1(file.read(kMaxTextBytes));
@@ -98,6 +94,11 @@ QString SmilImporter::textOf(const QString& source) {
     else if (text.endsWith(QLatin1Char('\n')))
         text.chop(1);
     return text;
+}
+
+// Other tools write a file of the presentation's own folder as "./name".
+QString SmilImporter::ownFolderName(const QString& source) {
+    return source.startsWith(QLatin1String("./")) ? source.mid(2) : source;
 }
 
 bool SmilImporter::fail(const QString& why) {

@@ -28,6 +28,7 @@ private:
     bool readPar(const pugi::xml_node& par);
     QString mediaPath(const QString& source);
     QString textOf(const QString& source);
+    static QString ownFolderName(const QString& source);
     bool fail(const QString& why);
 
     QString m_folder;

@@ -1,5 +1,6 @@
 #include "TarEngine.h"
 
+#include "AtomicFile.h"
 #include "TarCommandLine.h"
 
 #include <QDateTime>
@@ -7,7 +8,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
-#include <QSaveFile>
 
 #include <algorithm>
 #include <archive.h>
@@ -198,7 +198,41 @@ int TarEngine::pack(const TarCommandLine& command) {
     const int collected = collectFiles(command.files(), &entries);
     if (collected != Success)
         return collected;
+    const int fits = checkLimits(entries);
+    if (fits != Success)
+        return fits;
     return writeArchive(command.archive(), command.compresses(), entries);
+}
+
+// An archive this engine would refuse to unpack is not written in the first
+// place: the same limits hold on both sides, checked before the target is touched.
+int TarEngine::checkLimits(const QList<PackEntry>& entries) {
+    if (entries.size() > m_limits.members)
+        return failWith(LimitExceeded, QStringLiteral("%1 files are too many: a message file "
+                                                      "holds at most %2 files")
+                                           .arg(entries.size())
+                                           .arg(m_limits.members));
+    qint64 total = 0;
+    for (const PackEntry& entry : entries) {
+        const qint64 size = QFileInfo(entry.path).size();
+        if (size > m_limits.memberBytes)
+            return failWith(LimitExceeded,
+                            QStringLiteral("%1 has %2 bytes: a file in a message may have at most "
+                                           "%3 bytes (%4 MB)")
+                                .arg(shown(entry.name))
+                                .arg(size)
+                                .arg(m_limits.memberBytes)
+                                .arg(m_limits.memberBytes >> 20));
+        total += size;
+    }
+    if (total > m_limits.totalBytes)
+        return failWith(LimitExceeded,
+                        QStringLiteral("the files have %1 bytes together: a message may have at "
+                                       "most %2 bytes (%3 MB)")
+                            .arg(total)
+                            .arg(m_limits.totalBytes)
+                            .arg(m_limits.totalBytes >> 20));
+    return Success;
 }
 
 // A last path component with "*" or "?" stands for the regular files directly in
@@ -235,7 +269,7 @@ int TarEngine::collectFiles(const QStringList& patterns, QList<PackEntry>* entri
 
 int TarEngine::writeArchive(const QString& target, bool gzip, const QList<PackEntry>& entries) {
     // Declared before the writer, so the writer flushes into it before it goes.
-    QSaveFile file(target);
+    AtomicFile file(target);
     if (!file.open(QIODevice::WriteOnly))
         return failWith(WriteFailed,
                         QStringLiteral("cannot create %1: %2").arg(target, file.errorString()));

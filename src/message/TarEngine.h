@@ -8,8 +8,10 @@ class TarCommandLine;
 struct archive;
 struct archive_entry;
 
-// How much one extraction may write. Archives come from outside (messages
-// received or downloaded), so a hostile one must not fill the disk.
+// How much one archive may hold. Archives come from outside (messages
+// received or downloaded), so a hostile one must not fill the disk; and what
+// the program writes must stay within what it reads back, so one table serves
+// packing and unpacking.
 struct TarLimits {
     qint64 memberBytes = qint64(256) << 20; // one member
     qint64 totalBytes = qint64(1) << 30;    // all members together, as declared
@@ -72,6 +74,7 @@ private:
 
     int pack(const TarCommandLine& command);
     int collectFiles(const QStringList& patterns, QList<PackEntry>* entries);
+    int checkLimits(const QList<PackEntry>& entries);
     int writeArchive(const QString& target, bool gzip, const QList<PackEntry>& entries);
     int writeMember(archive* writer, const PackEntry& entry);
 

@@ -7,6 +7,8 @@
 #include "EventPump.h"
 #include "ImageWriter.h"
 #include "PackageDefinition.h"
+#include "PlainFileName.h"
+#include "PrivateTempDir.h"
 #include "SlideRenderer.h"
 #include "SmilExporter.h"
 #include "clsPropertiesXML.h"
@@ -19,7 +21,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
-#include <QTemporaryDir>
+#include <QScopeGuard>
 #include <QThread>
 
 namespace {
@@ -90,10 +92,13 @@ QString clsMMSManager::GetSpecialFolderPath(int folder) {
     }
 }
 
+// Inside a private folder of this manager's own: a fixed name in the shared
+// temporary folder could be planted (a link to the user's files) or shared by
+// two imports at once.
 QString clsMMSManager::GetTempFolderPath(const QString& subFolder) {
-    const QString folder = AppPaths::withSlash(AppPaths::tempFolder() + subFolder);
-    AppPaths::createPath(folder);
-    return folder;
+    if (!m_temp)
+        m_temp = std::make_unique<PrivateTempDir>();
+    return m_temp->subFolder(subFolder);
 }
 
 bool clsMMSManager::DeleteFolder(const QString& folder) {
@@ -202,11 +207,29 @@ bool clsMMSManager::SaveMsg(const QString& path) {
     return true;
 }
 
-clsMessage* clsMMSManager::AdoptWorkFolderMessage() {
+clsMessage* clsMMSManager::AdoptFolderMessage(const QString& folder) {
     m_missingMedia.clear();
-    m_message = newMessage(m_workFolder + m_messageFileName, QString());
+    m_lastError.clear();
+    m_message.reset();
+    emptyWorkFolder();
+    const QString xml = m_workFolder + m_messageFileName;
+    auto message = std::unique_ptr<clsMessage>();
+    if (PlainFileName::copy(folder, m_messageFileName, xml, &m_lastError)) {
+        message = newMessage(xml, QString());
+        if (!message->wasLoaded())
+            m_lastError = m_messageFileName + " in " + folder + " is not a readable message XML";
+    }
+    if (!m_lastError.isEmpty()) {
+        emptyWorkFolder();
+        return nullptr;
+    }
+    // Only the files the message names come along; a copy that fails shows as missing.
+    for (const QString& name : message->MediaNames())
+        PlainFileName::copy(folder, name, m_workFolder + name);
+    m_message = std::move(message);
     m_current = m_message->version() == QLatin1String("2.0");
     applyDefaults(*m_message);
+    dropMissingMedia(*m_message);
     return m_message.get();
 }
 
@@ -266,10 +289,13 @@ void clsMMSManager::loadSlidePictures(clsMessage& message) {
 }
 
 void clsMMSManager::dropMissingMedia(clsMessage& message) {
+    // Names come from the file: each is checked before it is taken as a path.
     auto missing = [this](const QString& name) {
-        const bool gone = !name.isEmpty() && !QFileInfo::exists(m_workFolder + name);
+        QString why;
+        const bool gone =
+            !name.isEmpty() && PlainFileName::existingFile(m_workFolder, name, &why).isEmpty();
         if (gone)
-            m_missingMedia << name;
+            m_missingMedia << why;
         return gone;
     };
     for (const auto& slide : message.Slides()) {
@@ -405,25 +431,29 @@ QString clsMMSManager::runPackageBuilder(const QString& definition) {
 
 clsMessage* clsMMSManager::ImportMMS(const QString& path, int kind) {
     m_exportStatus.clear();
-    QString smil = AppPaths::toDisk(path);
-    QString textsIndex;
+    const QString smil = AppPaths::toDisk(path);
     if (kind == ImportTemplate) {
         const QString folder = GetTempFolderPath("tpldir");
-        QDir(folder).removeRecursively();
-        AppPaths::createPath(folder);
+        if (folder.isEmpty()) {
+            m_exportStatus = "No private temporary folder can be made: " + m_temp->errorString();
+            return nullptr;
+        }
+        // The unpacked media are copied into the work folder; nothing stays behind.
+        const auto removeUnpacked = qScopeGuard([folder] { DeleteFolder(folder); });
         if (!m_tar.isArchive(smil) ||
             !runTar("--use-directory=0 --display-dialog=0 -xvf " + quoted(smil) + " -o  " +
                     quoted(withoutTrailingSlash(folder)))) {
             m_exportStatus = smil + " is not a template archive.";
             return nullptr;
         }
-        smil = folder + "mms.smil";
-        textsIndex = folder + "texts.xml";
-    } else {
-        const QString folder = GetPathFromFilename(smil, 1);
-        const QString own = folder + GetFilenameFromPath(smil, false) + "_texts.xml";
-        textsIndex = QFileInfo::exists(own) ? own : folder + "texts.xml";
+        return importSmil(folder + "mms.smil", folder + "texts.xml");
     }
+    const QString folder = GetPathFromFilename(smil, 1);
+    const QString own = folder + GetFilenameFromPath(smil, false) + "_texts.xml";
+    return importSmil(smil, QFileInfo::exists(own) ? own : folder + "texts.xml");
+}
+
+clsMessage* clsMMSManager::importSmil(const QString& smil, const QString& textsIndex) {
     SmilImporter importer;
     if (!importer.read(smil, textsIndex)) {
         m_exportStatus = importer.error();
@@ -471,7 +501,7 @@ bool clsMMSManager::fillImportedSlide(clsSlide& slide, const SmilImporter::Slide
 
 qint64 clsMMSManager::soundLength(const QString& path) {
     QString measured = path;
-    QTemporaryDir decoded;
+    PrivateTempDir decoded;
     // No device plays AMR: it is measured, like it is played, as the WAV it decodes to.
     if (GetFilenameExtension(path).compare(".amr", Qt::CaseInsensitive) == 0) {
         measured = decoded.path() + "/sound.wav";
@@ -485,9 +515,11 @@ qint64 clsMMSManager::soundLength(const QString& path) {
 
 QString clsMMSManager::copyIntoWorkFolder(const QString& prefix, const QString& source) {
     const QString name = GetUniqueFileName(prefix, source);
-    if (QFile::copy(source, m_workFolder + name))
+    const QFileInfo from(source);
+    QString why;
+    if (PlainFileName::copy(from.path(), from.fileName(), m_workFolder + name, &why))
         return name;
-    exportFailed("The file cannot be copied into the message: " + source);
+    exportFailed("The file cannot be copied into the message: " + why);
     return QString();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MmsPacker.h"
+#include "PrivateTempDir.h"
 #include "SmilImporter.h"
 #include "TarEngine.h"
 #include "UniqueNamer.h"
@@ -38,7 +39,9 @@ public:
     QString messageFileName() const { return m_messageFileName; }
     QString GetSaveMessagePath(const QString& fallback = QString()) const;
     static QString GetSpecialFolderPath(int folder);
-    static QString GetTempFolderPath(const QString& subFolder);
+    // subFolder inside a private temporary folder of this manager's, created;
+    // "" when it cannot be made. The folder goes with the manager.
+    QString GetTempFolderPath(const QString& subFolder);
     static bool DeleteFolder(const QString& folder);
 
     // Both "/" and "\" separate folders.
@@ -58,9 +61,11 @@ public:
     clsMessage* CreateMsg();
     clsMessage* OpenMsg(const QString& path, int& result);
     bool SaveMsg(const QString& path);
-    // Takes the message XML lying in the work folder as the current message,
-    // without emptying the folder; its slide pictures are rendered anew on save.
-    clsMessage* AdoptWorkFolderMessage();
+    // Takes the message XML lying in folder, and the media it names, into the
+    // work folder as the current message; folder itself is only read. Its
+    // slide pictures are rendered anew on save. nullptr, with lastError(), when
+    // folder holds no readable message XML.
+    clsMessage* AdoptFolderMessage(const QString& folder);
 
     enum ExportKind { ExportSmil = 1, ExportTemplate = 2, ExportPackage = 4 };
     enum ExportResult { ExportOk = 0, ExportFailed = 1, ExportExists = 2 };
@@ -94,7 +99,9 @@ public:
     clsMessage* message() const { return m_message.get(); }
     // Whether the opened message is of the version this program writes.
     bool isCurrentMessage() const { return m_current; }
-    // Media the last OpenMsg found missing; their slides were left without them.
+    // Media the last OpenMsg or AdoptFolderMessage found missing or refused
+    // (a name that is no plain file name, a link), each saying why; their
+    // slides were left without them.
     QStringList missingMedia() const { return m_missingMedia; }
     // Why the last open or save failed.
     QString lastError() const { return m_lastError; }
@@ -117,11 +124,13 @@ private:
     bool packTemplate(const QString& folder, const QString& baseName, const QString& fileList);
     bool buildPackage(const QString& folder, const QString& baseName, const QString& fileList);
     QString runPackageBuilder(const QString& definition);
+    clsMessage* importSmil(const QString& smil, const QString& textsIndex);
     clsMessage* buildImported(const SmilImporter& importer);
     bool fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& imported);
     QString copyIntoWorkFolder(const QString& prefix, const QString& source);
     int exportFailed(const QString& status);
 
+    std::unique_ptr<PrivateTempDir> m_temp;
     QString m_workFolder;
     QString m_userArchive;
     QString m_messageFileName;

@@ -2,9 +2,9 @@
 
 #include "AppPaths.h"
 #include "DomAttributes.h"
+#include "PlainFileName.h"
 
 #include <QDir>
-#include <QFile>
 
 namespace {
 using A = DomAttributes;
@@ -30,7 +30,10 @@ void clsMessage::Initialize(const QString& xmlPath, const QString& name,
         m_document.load_file(AppPaths::toDisk(xmlPath).toLocal8Bit().constData(),
                              pugi::parse_default | pugi::parse_declaration, pugi::encoding_utf8) &&
         m_document.child("ROOT");
-    if (!loaded)
+    m_loaded = loaded;
+    if (loaded)
+        A::cleanTree(m_document);
+    else
         startSkeleton();
     m_root = m_document.child("ROOT");
     m_message = m_root.child("MESSAGE");
@@ -58,7 +61,7 @@ QString clsMessage::MMSFileList() const {
 }
 
 void clsMessage::setMMSFileList(const QString& list) {
-    A::child(A::child(m_root, "MMS"), "FILELIST").text() = list.toUtf8().constData();
+    A::setText(A::child(A::child(m_root, "MMS"), "FILELIST"), list);
 }
 
 QString clsMessage::name() const {
@@ -72,6 +75,20 @@ QString clsMessage::Created() const {
 }
 void clsMessage::setCreated(const QString& stamp) {
     A::set(m_message, "created", stamp);
+}
+
+QStringList clsMessage::MediaNames() const {
+    QStringList names;
+    for (const auto& slide : m_slides) {
+        const clsDrawObjects& objects = slide->DrawObjects();
+        names << slide->Sound() << objects.BackPicture();
+        for (const auto& object : objects)
+            if (object->typ() == QLatin1String("image"))
+                names << object->image();
+    }
+    names.removeAll(QString());
+    names.removeDuplicates();
+    return names;
 }
 
 void clsMessage::DeletePicture(int index) {
@@ -132,17 +149,14 @@ QString clsMessage::copyMedia(const QString& prefix, const QString& fileName) {
     if (fileName.isEmpty())
         return QString();
     const QString copy = m_namer.next(prefix, AppPaths::extensionOf(fileName));
-    QFile::copy(m_path + fileName, m_path + copy);
-    return copy;
+    // A name that leads out of the folder copies nothing: the copy goes without it.
+    return PlainFileName::copy(m_path, fileName, m_path + copy) ? copy : QString();
 }
 
 bool clsMessage::SaveMessage(const QString& path) {
     m_lastError.clear();
-    if (!m_document.save_file(AppPaths::toDisk(path).toLocal8Bit().constData(), "  ",
-                              pugi::format_default, pugi::encoding_utf8)) {
-        m_lastError = "cannot write " + path;
+    if (!A::save(m_document, AppPaths::toDisk(path), &m_lastError))
         return false;
-    }
     removeSlideFiles();
     bool written = true;
     for (const auto& slide : m_slides)
@@ -161,9 +175,10 @@ bool clsMessage::writeSlideFile(const clsSlide& slide) {
     const clsDrawObjects& objects = slide.DrawObjects();
     if (objects.BackType() == clsDrawObjects::BackAnimated) {
         // An animated slide keeps its animation as the slide file.
-        if (QFile::copy(m_path + objects.BackPicture(), target))
+        QString why;
+        if (PlainFileName::copy(m_path, objects.BackPicture(), target, &why))
             return true;
-        m_lastError = "cannot copy " + objects.BackPicture() + " to " + slide.SlideFileName();
+        m_lastError = "cannot copy the animation to " + slide.SlideFileName() + ": " + why;
         return false;
     }
     if (m_renderer && m_renderer(slide, target))

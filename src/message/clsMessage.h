@@ -4,6 +4,7 @@
 #include "clsSlides.h"
 
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <pugixml.hpp>
 
@@ -24,6 +25,8 @@ public:
     // starts the empty skeleton. workFolder ends with "/".
     void Initialize(const QString& xmlPath, const QString& name, const QString& workFolder);
 
+    // Whether Initialize read a message XML (rather than starting the skeleton).
+    bool wasLoaded() const { return m_loaded; }
     pugi::xml_document& DOMParent() { return m_document; }
     QString version() const;
     QString MMSFileList() const;
@@ -43,6 +46,9 @@ public:
 
     bool isChanged() const { return m_changed; }
     void setChanged(bool changed) { m_changed = changed; }
+
+    // Every media file the slides name (sounds, backgrounds, pictures), as stored.
+    QStringList MediaNames() const;
 
     void DeletePicture(int index);
     void DeleteText(int index);
@@ -69,6 +75,7 @@ private:
     clsSlides m_slides;
     QString m_path;
     bool m_changed = false;
+    bool m_loaded = false;
     UniqueNamer m_namer;
     SlideRenderer m_renderer;
     QString m_lastError;

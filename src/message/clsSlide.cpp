@@ -2,6 +2,7 @@
 
 #include "AppPaths.h"
 #include "DomAttributes.h"
+#include "PlainFileName.h"
 
 namespace {
 using A = DomAttributes;
@@ -37,11 +38,20 @@ void clsSlide::LoadXmlNodes(pugi::xml_node element) {
     A::child(element, "IMAGE");
     A::child(element, "SOUND");
     A::child(element, "TEXT");
+    if (A::text(element, "name") != name()) {
+        A::set(element, "name", name());
+        setIndex(index());
+    }
     m_drawObjects.LoadXmlNodes(A::child(element, "DRAWOBJECTS"));
 }
 
+// The name becomes part of file names (the slide picture, the exported
+// text): one that is no plain name reads as the default, wherever it came from.
 QString clsSlide::name() const {
-    return A::text(m_element, "name");
+    const QString stored = A::text(m_element, "name");
+    return PlainFileName::isPlain(stored + QStringLiteral("_2147483647.bmp"))
+               ? stored
+               : QStringLiteral("Slide");
 }
 int clsSlide::index() const {
     return int(A::number(m_element, "index"));

@@ -7,8 +7,8 @@
 #include "cDIBSectionSave.h"
 #include "clsPropertiesXML.h"
 
+#include "AtomicFile.h"
 #include <QImageWriter>
-#include <QSaveFile>
 
 namespace {
 const char* const Extensions[] = {"bmp", "jpg", "gif", "png", "wbmp"};
@@ -21,13 +21,13 @@ const char* const Extensions[] = {"bmp", "jpg", "gif", "png", "wbmp"};
 }
 
 void writeFile(const QString& path, const QByteArray& bytes) {
-    QSaveFile file(path);
+    AtomicFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
         cannotWrite(path, file.errorString());
 }
 
 void writeWithQt(const QImage& picture, const QString& path, const char* format, int quality) {
-    QSaveFile file(path);
+    AtomicFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         cannotWrite(path, file.errorString());
     QImageWriter writer(&file, format);

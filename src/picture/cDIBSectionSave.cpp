@@ -6,10 +6,10 @@
 #include "cDIBSection.h"
 #include "cPalette.h"
 
+#include "AtomicFile.h"
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace {
 void putWord(QByteArray& out, int value) {
@@ -151,7 +151,7 @@ QByteArray cDIBSectionSave::Encode(const QImage& indexed, const GifOptions& opti
 void cDIBSectionSave::Save(const QString& fileName, const QImage& indexed,
                            const GifOptions& options) {
     const QByteArray bytes = Encode(indexed, options);
-    QSaveFile file(fileName);
+    AtomicFile file(fileName);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
         throw AppError(ErrorSource, "PictureBoxToGif function failed: " + file.errorString());
 }
