@@ -142,7 +142,7 @@ QString clsMMSManager::SaveFileToWorkFolder(const QString& prefix, const QString
 }
 
 void clsMMSManager::DeleteWorkFolderFile(const QString& fileName) {
-    if (!fileName.isEmpty())
+    if (PlainFileName::isPlain(fileName))
         QFile::remove(m_workFolder + fileName);
 }
 
@@ -372,13 +372,22 @@ int clsMMSManager::exportFailed(const QString& status) {
     return ExportFailed;
 }
 
+// The files of an exported set that go into a package: texts travel in the
+// texts index, and only plain names of the set's own folder are taken.
+QStringList clsMMSManager::packagedNames(const QString& fileList) {
+    QStringList names;
+    for (const QString& name : fileList.split(QLatin1Char(';'), Qt::SkipEmptyParts))
+        if (!name.contains(QLatin1String(".txt")) && PlainFileName::isPlain(name))
+            names << name;
+    return names;
+}
+
 bool clsMMSManager::packTemplate(const QString& folder, const QString& baseName,
                                  const QString& fileList) {
     QString command =
         "--use-directory=0 --display-dialog=0 -fc " + quoted(folder + baseName + ".tpl");
-    for (const QString& name : fileList.split(QLatin1Char(';'), Qt::SkipEmptyParts))
-        if (!name.contains(QLatin1String(".txt")))
-            command += " " + quoted(folder + name);
+    for (const QString& name : packagedNames(fileList))
+        command += " " + quoted(folder + name);
     if (runTar(command))
         return true;
     exportFailed(AppGlobals::text("STR_ERROR_TAR_PACK", "The files could not be packed") + " (" +
@@ -391,8 +400,7 @@ bool clsMMSManager::buildPackage(const QString& folder, const QString& baseName,
     const QString definition = folder + baseName + ".pkg";
     const QString package = folder + baseName + ".SIS";
     if (!PackageDefinition::write(
-            definition,
-            PackageDefinition::lines(baseName, folder, fileList.split(QLatin1Char(';'))))) {
+            definition, PackageDefinition::lines(baseName, folder, packagedNames(fileList)))) {
         exportFailed("The package definition cannot be written: " + definition);
         return false;
     }

@@ -121,6 +121,7 @@ private:
     void applyDefaults(clsMessage& message) const;
     void loadSlidePictures(clsMessage& message);
     void dropMissingMedia(clsMessage& message);
+    static QStringList packagedNames(const QString& fileList);
     bool packTemplate(const QString& folder, const QString& baseName, const QString& fileList);
     bool buildPackage(const QString& folder, const QString& baseName, const QString& fileList);
     QString runPackageBuilder(const QString& definition);

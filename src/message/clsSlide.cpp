@@ -77,8 +77,8 @@ void clsSlide::setSoundDuration(qint64 ms) {
 
 QString clsSlide::SlideFileName() const {
     const QString own = AppPaths::extensionOf(m_drawObjects.BackPicture());
-    const bool keepsAnimation =
-        m_drawObjects.BackType() == clsDrawObjects::BackAnimated && !own.isEmpty();
+    const bool keepsAnimation = m_drawObjects.BackType() == clsDrawObjects::BackAnimated &&
+                                !own.isEmpty() && PlainFileName::isPlain(own);
     return name() + "_" + QString::number(index()) +
            (keepsAnimation ? own : QStringLiteral(".bmp"));
 }

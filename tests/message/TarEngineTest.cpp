@@ -330,6 +330,36 @@ TEST_F(TarEngineTest, SizeAndCountLimitsStopTheExtraction) {
     EXPECT_TRUE(namesIn(path("huge")).isEmpty());
 }
 
+// What is packed must unpack again: the same table holds on both sides, and a
+// folder beyond it is refused before the target is touched.
+TEST_F(TarEngineTest, PackingKeepsWithinTheLimitsUnpackingHolds) {
+    const TarLimits limits{1000, 2500, 3};
+    TarEngine engine(limits);
+    for (const char* name : {"a", "b", "c"})
+        writeFile(path(QString("three/") + name), QByteArray(800, 'x'));
+    ASSERT_EQ(engine.run(packLine(path("three.mms"), path("three"))), TarEngine::Success)
+        << engine.lastError().toStdString();
+    EXPECT_EQ(engine.run(unpackLine(path("three.mms"), path("back"))), TarEngine::Success);
+
+    writeFile(path("three/d"), "x");
+    writeFile(path("old.mms"), "previous");
+    EXPECT_EQ(engine.run(packLine(path("old.mms"), path("three"))), TarEngine::LimitExceeded);
+    EXPECT_TRUE(engine.lastError().contains("at most 3 files")) << engine.lastError().toStdString();
+    EXPECT_EQ(readAll(path("old.mms")), "previous");
+
+    QFile::remove(path("three/d"));
+    writeFile(path("three/c"), QByteArray(1001, 'x'));
+    EXPECT_EQ(engine.run(packLine(path("new.mms"), path("three"))), TarEngine::LimitExceeded);
+    EXPECT_TRUE(engine.lastError().contains("at most 1000 bytes"))
+        << engine.lastError().toStdString();
+    EXPECT_FALSE(QFileInfo::exists(path("new.mms")));
+
+    writeFile(path("three/c"), QByteArray(999, 'x'));
+    EXPECT_EQ(engine.run(packLine(path("new.mms"), path("three"))), TarEngine::LimitExceeded)
+        << "2599 bytes together";
+    EXPECT_TRUE(engine.lastError().contains("at most 2500 bytes"));
+}
+
 TEST_F(TarEngineTest, DamagedArchiveLeavesNoHalfMember) {
     const QString source = path("src");
     writeFile(source + "/first.txt", "complete");
