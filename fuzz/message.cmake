@@ -1,3 +1,6 @@
 vellumo_fuzzer(fuzz_mms_archive ${CMAKE_SOURCE_DIR}/fuzz/mms_archive.cpp vellumo_message)
 vellumo_fuzzer(fuzz_smil_import ${CMAKE_SOURCE_DIR}/fuzz/smil_import.cpp vellumo_message)
+target_sources(fuzz_smil_import PRIVATE ${CMAKE_SOURCE_DIR}/fuzz/ImportTrap.cpp)
+vellumo_fuzzer(fuzz_template_import ${CMAKE_SOURCE_DIR}/fuzz/template_import.cpp vellumo_message)
+target_sources(fuzz_template_import PRIVATE ${CMAKE_SOURCE_DIR}/fuzz/ImportTrap.cpp)
 vellumo_fuzzer(fuzz_message_xml ${CMAKE_SOURCE_DIR}/fuzz/message_xml.cpp vellumo_message)
