@@ -321,7 +321,7 @@ TEST_F(HostileInputTest, TargetsThatAreNoFilesAreRefused) {
         EXPECT_NE(refused.code, 0) << what.toStdString();
         EXPECT_TRUE(refused.err.contains("not a regular file")) << refused.err.toStdString();
     }
-    for (const QString& fifo : {"f.mms", "f.gif", "f.png", "out/mms.smil"})
+    for (const QString& fifo : QStringList{"f.mms", "f.gif", "f.png", "out/mms.smil"})
         EXPECT_FALSE(QFileInfo(path(fifo)).isFile()) << fifo.toStdString();
     EXPECT_EQ(shell("test -p f.mms && test -p out/mms.smil && test -c /dev/null").code, 0);
 
@@ -352,7 +352,7 @@ TEST_F(HostileInputTest, ControlCharactersNeverReachTheXml) {
     QDir().mkpath(path("cx"));
     ASSERT_EQ(
         cli({"export", "c.mms", "--kind", "smil", "--format", "ms", path("cx/mms.smil")}).code, 0);
-    for (const QString& file : {"c/message.xml", "cx/mms.smil", "cx/texts.xml"}) {
+    for (const QString& file : QStringList{"c/message.xml", "cx/mms.smil", "cx/texts.xml"}) {
         const Result lint = shell("xmllint --noout " + file);
         EXPECT_EQ(lint.code, 0) << file.toStdString() << lint.err.toStdString();
     }
