@@ -1,6 +1,8 @@
 #include "MessageScript.h"
 
+#include "AppError.h"
 #include "CliOutput.h"
+#include "PictureFile.h"
 #include "StoredColor.h"
 #include "clsMMSManager.h"
 
@@ -121,6 +123,17 @@ QString MessageScript::bringIn(const QString& prefix, const QString& file) {
     return m_manager.GetUniqueFileName(prefix, file);
 }
 
+// A picture that does not decode would leave a white slide; it is refused
+// when it is added, like a missing file.
+bool MessageScript::decodable(const QString& file) {
+    try {
+        PictureFile::probe(file);
+        return true;
+    } catch (const AppError& error) {
+        return fail("refused: " + error.description());
+    }
+}
+
 bool MessageScript::newSlide() {
     clsSlide& slide = m_message->Slides().Add();
     m_lastText = nullptr;
@@ -143,11 +156,13 @@ bool MessageScript::background() {
     const QString name = current ? bringIn("B", file) : QString();
     if (name.isEmpty())
         return false;
-    QFile::copy(file, m_manager.GetWorkFolderPath() + name);
-    clsDrawObjects& objects = current->DrawObjects();
     const int kind = clsDrawObjects::KindOfFile(name);
     if (kind == clsDrawObjects::BackColorOnly)
         return fail("is neither a picture nor an animation: " + file);
+    if (kind == clsDrawObjects::BackStill && !decodable(file))
+        return false;
+    QFile::copy(file, m_manager.GetWorkFolderPath() + name);
+    clsDrawObjects& objects = current->DrawObjects();
     objects.setBackType(kind);
     objects.setBackPicture(name);
     if (kind == clsDrawObjects::BackAnimated) {
@@ -163,7 +178,7 @@ bool MessageScript::image() {
     const QString file = take();
     QRect rect;
     const QString name = current ? bringIn("I", file) : QString();
-    if (name.isEmpty() || !takeRect(rect))
+    if (name.isEmpty() || !decodable(file) || !takeRect(rect))
         return false;
     QFile::copy(file, m_manager.GetWorkFolderPath() + name);
     DrawObjectProperties p = DrawObjectProperties::forImage(name, rect, ++m_objects);

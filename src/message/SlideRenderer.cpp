@@ -1,14 +1,18 @@
 #include "SlideRenderer.h"
 
+#include "AppError.h"
 #include "AppGlobals.h"
 #include "AtomicFile.h"
+#include "PictureFile.h"
+#include "PlainFileName.h"
 #include "StoredColor.h"
 #include "clsDrawObjects.h"
 #include "clsSlide.h"
 
-#include <QImageReader>
+#include <QPaintDevice>
 #include <QPainter>
 #include <QTextOption>
+#include <QtMath>
 #include <algorithm>
 
 namespace {
@@ -32,6 +36,15 @@ QFont fontOf(const DrawObjectProperties& p) {
     font.setItalic(p.italic);
     font.setUnderline(p.underline);
     return font;
+}
+
+// The device pixels a rectangle of the surface covers: a picture drawn there
+// is decoded no larger than that.
+QSize pixelsCovered(const QPainter& painter, const QRectF& rect) {
+    const QRectF covered = painter.worldTransform().mapRect(rect);
+    const qreal ratio = painter.device() ? painter.device()->devicePixelRatio() : 1.0;
+    return QSize(qCeil(covered.width() * ratio), qCeil(covered.height() * ratio))
+        .expandedTo(QSize(1, 1));
 }
 
 std::vector<const clsDrawObject*> inStackingOrder(const clsDrawObjects& objects) {
@@ -95,17 +108,18 @@ void SlideRenderer::paintBackground(QPainter& painter, const clsDrawObjects& obj
     painter.fillRect(area, StoredColor::toQColor(objects.BackColor()));
     if (objects.BackType() == clsDrawObjects::BackColorOnly || objects.BackPicture().isEmpty())
         return;
-    const QImage picture =
-        objects.BackGround().isNull() ? load(objects.BackPicture()) : objects.BackGround();
+    const QImage picture = objects.BackGround().isNull()
+                               ? load(objects.BackPicture(), pixelsCovered(painter, area))
+                               : objects.BackGround();
     if (!picture.isNull())
         painter.drawImage(area, picture);
 }
 
 void SlideRenderer::paintImage(QPainter& painter, const clsDrawObject& object) const {
-    const QImage picture = load(object.image());
+    const QRectF box(object.XPos(), object.Ypos(), object.Width(), object.Height());
+    const QImage picture = load(object.image(), pixelsCovered(painter, box));
     if (!picture.isNull())
-        painter.drawImage(QRectF(object.XPos(), object.Ypos(), object.Width(), object.Height()),
-                          picture);
+        painter.drawImage(box, picture);
 }
 
 void SlideRenderer::paintText(QPainter& painter, const clsDrawObject& object) const {
@@ -123,10 +137,16 @@ void SlideRenderer::paintText(QPainter& painter, const clsDrawObject& object) co
     painter.restore();
 }
 
-QImage SlideRenderer::load(const QString& fileName) const {
-    QImageReader reader(m_workFolder + fileName);
-    const QImage picture = reader.read();
-    if (picture.isNull() && !m_missing.contains(fileName))
+QImage SlideRenderer::load(const QString& fileName, QSize drawnSize) const {
+    // Names come from the message file: only a plain file of the work folder is read.
+    const QString path = PlainFileName::existingFile(m_workFolder, fileName);
+    try {
+        if (!path.isEmpty())
+            return PictureFile::load(path, drawnSize);
+    } catch (const AppError&) {
+        // A picture that cannot be read is reported as missing, like an absent one.
+    }
+    if (!m_missing.contains(fileName))
         m_missing << fileName;
-    return picture;
+    return QImage();
 }

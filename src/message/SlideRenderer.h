@@ -36,7 +36,8 @@ private:
     void paintBackground(QPainter& painter, const clsDrawObjects& objects, QSizeF surface) const;
     void paintImage(QPainter& painter, const clsDrawObject& object) const;
     void paintText(QPainter& painter, const clsDrawObject& object) const;
-    QImage load(const QString& fileName) const;
+    // The work-folder picture decoded for drawing into drawnSize device pixels.
+    QImage load(const QString& fileName, QSize drawnSize) const;
 
     QString m_workFolder;
     QSize m_surface;

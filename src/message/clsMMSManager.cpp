@@ -7,6 +7,7 @@
 #include "EventPump.h"
 #include "ImageWriter.h"
 #include "PackageDefinition.h"
+#include "PictureFile.h"
 #include "PlainFileName.h"
 #include "PrivateTempDir.h"
 #include "SlideRenderer.h"
@@ -20,7 +21,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QScopeGuard>
 #include <QThread>
 
@@ -284,7 +284,11 @@ void clsMMSManager::loadSlidePictures(clsMessage& message) {
         if (slide->DrawObjects().BackType() == clsDrawObjects::BackAnimated)
             continue;
         // A missing or unreadable slide file leaves the slide with an empty picture.
-        slide->setImage(QImageReader(m_workFolder + slide->SlideFileName()).read());
+        try {
+            slide->setImage(PictureFile::load(m_workFolder + slide->SlideFileName()));
+        } catch (const AppError&) {
+            slide->setImage(QImage());
+        }
     }
 }
 

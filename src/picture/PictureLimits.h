@@ -3,12 +3,13 @@
 #include <QSize>
 #include <QString>
 
-// The largest picture the program encodes: a slide picture is a few hundred
-// pixels wide, so anything near this size is a mistake or a hostile file, and
-// refusing it early keeps memory use bounded.
+// The largest picture the program reads or writes. Phones take photos of up
+// to 200 megapixels, and users put them on slides as they come; anything
+// larger is a mistake or a hostile file, and refusing it before its pixels
+// are decoded keeps memory use bounded.
 class PictureLimits {
 public:
-    static constexpr qint64 MaxPixels = 40'000'000;
+    static constexpr qint64 MaxPixels = 200'000'000;
 
     // True for a non-empty size within MaxPixels.
     static bool fits(const QSize& size);

@@ -1,3 +1,4 @@
+#include "PhotoSamples.h"
 #include "QtPrinters.h"
 
 #include <QDir>
@@ -211,4 +212,49 @@ TEST_F(MessageCliTest, ExportAndImportFromTheCommandLine) {
     const Result bad = cli({"import", "m.mms", "x.mms"});
     EXPECT_EQ(bad.code, 1);
     EXPECT_FALSE(bad.err.isEmpty());
+}
+
+TEST_F(MessageCliTest, APhonePhotoFillsTheSlide) {
+    // 48 megapixels: decoded whole it would take 192 MB for a 160 x 120 slide.
+    ASSERT_EQ(PhotoSamples::gradientJpeg(path("photo.jpg"), QSize(8000, 6000)), QString());
+    const Result made =
+        cli({"new", "p.mms", "--slide", "--color", "FFFFFF", "--background", path("photo.jpg")});
+    ASSERT_EQ(made.code, 0) << made.err.toStdString();
+    EXPECT_TRUE(made.err.isEmpty()) << made.err.toStdString();
+    const Result rendered = cli({"render", "p.mms", "1", "slide.png"});
+    ASSERT_EQ(rendered.code, 0) << rendered.err.toStdString();
+    EXPECT_TRUE(rendered.err.isEmpty()) << rendered.err.toStdString();
+    const QImage slide(path("slide.png"));
+    ASSERT_EQ(slide.size(), QSize(160, 120));
+    for (int y : {0, 40, 80, 119})
+        for (int x : {0, 80, 159})
+            EXPECT_PRED2(PhotoSamples::near, slide.pixelColor(x, y),
+                         PhotoSamples::gradientAt(y / 119.0))
+                << x << "," << y;
+}
+
+TEST_F(MessageCliTest, PicturesThatCannotBeDrawnAreRefusedWhenAdded) {
+    PhotoSamples::randomBytes(path("noise.jpg"), 4096);
+    QFile(path("empty.png")).open(QIODevice::WriteOnly);
+    PhotoSamples::truncatedJpegHeader(path("cut.jpg"));
+    for (const QString& file : QStringList{"noise.jpg", "empty.png", "cut.jpg"}) {
+        for (const QString& option : QStringList{"--background", "--image"}) {
+            QStringList arguments{"new", "bad.mms", "--slide", option, path(file)};
+            if (option == "--image")
+                arguments << "0,0,80,60";
+            const Result refused = cli(arguments);
+            EXPECT_EQ(refused.code, 1) << option.toStdString() << " " << file.toStdString();
+            EXPECT_TRUE(refused.err.contains(option + " refused: The picture " + path(file) +
+                                             " cannot be decoded"))
+                << refused.err.toStdString();
+            EXPECT_FALSE(QFileInfo::exists(path("bad.mms")));
+        }
+    }
+    PhotoSamples::pngClaiming(path("huge.png"), QSize(20000, 10001));
+    const Result huge = cli({"new", "bad.mms", "--slide", "--background", path("huge.png")});
+    EXPECT_EQ(huge.code, 1);
+    EXPECT_TRUE(huge.err.contains("The picture has 20000 x 10001 pixels; pictures of more than "
+                                  "200 megapixels are refused."))
+        << huge.err.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(path("bad.mms")));
 }

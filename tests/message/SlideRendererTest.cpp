@@ -1,9 +1,20 @@
 #include "SlideRenderer.h"
+#include "PhotoSamples.h"
 #include "TempDataHome.h"
 #include "clsMessage.h"
 
 #include <QDir>
 #include <QPainter>
+#include <sys/resource.h>
+
+namespace {
+// The most memory the test process has held so far, in megabytes.
+long peakMegabytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss / 1024;
+}
+} // namespace
 
 class SlideRendererTest : public TempDataHome {
 protected:
@@ -108,4 +119,31 @@ TEST_F(SlideRendererTest, TheSlideImageWinsOverItsObjectsWhenSaved) {
     QFile file(m_work + "Slide_1.bmp");
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_EQ(file.read(2), "BM");
+}
+
+TEST_F(SlideRendererTest, PhonePhotosFillTheSurfaceAndTheirRectangles) {
+    // 36 megapixels: more than Qt decodes whole without being asked to.
+    ASSERT_EQ(PhotoSamples::gradientJpeg(m_work + "photo.jpg", QSize(7200, 5000)), QString());
+    m_slide->setColor(0xFFFFFF);
+    m_slide->DrawObjects().setBackType(clsDrawObjects::BackStill);
+    m_slide->DrawObjects().setBackPicture("photo.jpg");
+    // Squeezed into a strip near the bottom, where the background is mostly blue.
+    addImage("photo.jpg", QRect(100, 90, 50, 20), 1);
+    const SlideRenderer renderer(m_work, QSize(160, 120));
+    const long peakBefore = peakMegabytes();
+    const QImage picture = renderer.render(m_slide->DrawObjects());
+    EXPECT_LT(peakMegabytes() - peakBefore, 64) << "decoded whole, the photo takes 144 MB";
+    EXPECT_TRUE(renderer.missingFiles().isEmpty())
+        << renderer.missingFiles().join(' ').toStdString();
+    for (int y : {0, 30, 60, 89, 119})
+        EXPECT_PRED2(PhotoSamples::near, picture.pixelColor(20, y),
+                     PhotoSamples::gradientAt(y / 119.0))
+            << "row " << y;
+    EXPECT_PRED2(PhotoSamples::near, picture.pixelColor(159, 0), PhotoSamples::gradientAt(0));
+    for (int y : {90, 100, 109})
+        EXPECT_PRED2(PhotoSamples::near, picture.pixelColor(125, y),
+                     PhotoSamples::gradientAt((y - 90) / 19.0))
+            << "row " << y;
+    EXPECT_PRED2(PhotoSamples::near, picture.pixelColor(125, 85),
+                 PhotoSamples::gradientAt(85 / 119.0));
 }

@@ -1,7 +1,9 @@
 #include "GifReader.h"
+#include "PhotoSamples.h"
 #include "PictureTestSupport.h"
 
 #include <QFile>
+#include <QImageReader>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -89,5 +91,32 @@ TEST_F(ConvertImageCliTest, FailuresPrintOneLineAndExitNonZero) {
           QStringList{m_input, path("a.gif"), "--transparent", "red"},
           QStringList{m_input, path("a.gif"), "--sharpen"}})
         EXPECT_EQ(convert(arguments).exitCode, 64) << arguments.join(' ').toStdString();
+    EXPECT_FALSE(QFile::exists(path("out.png")));
+}
+
+TEST_F(ConvertImageCliTest, APhonePhotoConvertsWhole) {
+    // 48 megapixels, as phones take them: 192 MB decoded, beyond Qt's default allowance.
+    ASSERT_EQ(PhotoSamples::gradientJpeg(path("photo.jpg"), QSize(8000, 6000)), QString());
+    const ToolRun run = convert({path("photo.jpg"), path("copy.jpg"), "--quality", "80"});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+    EXPECT_TRUE(run.err.isEmpty()) << run.err.toStdString();
+    const ToolRun magick = runTool("identify", {"-format", "%m %w %h", path("copy.jpg")});
+    EXPECT_EQ(magick.out, "JPEG 8000 6000") << magick.err.toStdString();
+    QImageReader reader(path("copy.jpg"));
+    reader.setScaledSize(QSize(80, 60));
+    const QImage copy = reader.read();
+    ASSERT_EQ(copy.size(), QSize(80, 60)) << reader.errorString().toStdString();
+    for (int y : {0, 30, 59})
+        EXPECT_PRED2(PhotoSamples::near, copy.pixelColor(40, y), PhotoSamples::gradientAt(y / 59.0))
+            << "row " << y;
+}
+
+TEST_F(ConvertImageCliTest, APictureBeyondTheLimitIsRefusedWithTheLimit) {
+    PhotoSamples::pngClaiming(path("huge.png"), QSize(20000, 10001));
+    const ToolRun run = convert({path("huge.png"), path("out.png")});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_EQ(QString::fromUtf8(run.err).trimmed(),
+              "vellumo-cli: convert-image: The picture has 20000 x 10001 pixels; pictures of "
+              "more than 200 megapixels are refused.");
     EXPECT_FALSE(QFile::exists(path("out.png")));
 }

@@ -201,7 +201,7 @@ TEST(PaletteTest, DiffusionTruncatesTowardZeroClampsAndDropsSmallErrors) {
 TEST(PaletteTest, DibSectionHoldsPaddedBlueGreenRedRows) {
     cDIBSection dib;
     EXPECT_FALSE(dib.Create(0, 10));
-    EXPECT_FALSE(dib.Create(8000, 5001)) << "beyond 40 megapixels";
+    EXPECT_FALSE(dib.Create(20000, 10001)) << "beyond 200 megapixels";
     EXPECT_TRUE(dib.isNull());
     ASSERT_TRUE(dib.Create(5, 3));
     EXPECT_EQ(dib.BytesPerScanLine(), 16) << "15 bytes of pixels padded to 16";

@@ -1,5 +1,7 @@
 #include "PictureTestSupport.h"
 
+#include "AppError.h"
+
 #include <QFile>
 #include <QProcess>
 #include <random>
@@ -51,4 +53,13 @@ QImage plasmaPicture() {
 QByteArray readAll(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QString appErrorOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const AppError& error) {
+        return error.description();
+    }
+    return QString();
 }

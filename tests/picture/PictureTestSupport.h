@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QString>
 #include <QStringList>
+#include <functional>
 
 struct ToolRun {
     int exitCode = -1;
@@ -23,3 +24,5 @@ QByteArray rgbBytes(const QImage& picture);
 QImage plasmaPicture();
 
 QByteArray readAll(const QString& path);
+// The description of the AppError the action throws; empty when it throws none.
+QString appErrorOf(const std::function<void()>& action);

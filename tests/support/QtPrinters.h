@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QString>
 #include <QStringList>
 #include <ostream>
@@ -13,4 +14,7 @@ inline void PrintTo(const QStringList& list, std::ostream* os) {
     for (const QString& item : list)
         *os << '"' << item.toStdString() << "\" ";
     *os << '}';
+}
+inline void PrintTo(const QColor& colour, std::ostream* os) {
+    *os << colour.name().toStdString();
 }
