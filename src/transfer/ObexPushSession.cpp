@@ -1,5 +1,8 @@
 #include "ObexPushSession.h"
 
+#include "ObexName.h"
+#include "TransferLog.h"
+
 #include <QFileInfo>
 #include <QSocketNotifier>
 
@@ -13,10 +16,16 @@
 #include <unistd.h>
 
 namespace {
-// Body pieces handed to the library at a time; the file is never read whole.
-constexpr qint64 kChunkSize = 32 * 1024;
+// The largest body piece handed to the library at a time; the file is never
+// read whole.
+constexpr int kChunkSize = 32 * 1024;
 // Work steps per wake-up before the event loop gets its turn again.
 constexpr int kMaxRounds = 256;
+// Every packet begins with its code and a 16-bit length.
+constexpr int kPacketHeadSize = 3;
+// The other headers of a PUT's first packet.
+constexpr int kLengthHeaderSize = 5;
+constexpr int kBodyHeaderSize = 3;
 
 // The library writes with write(), which raises SIGPIPE when the phone has
 // gone; that must become an error for this push, not the end of the program.
@@ -49,17 +58,6 @@ private:
     sigset_t m_previous;
     bool m_wasPending = false;
 };
-
-// OBEX names are UTF-16 big endian with a terminating zero character.
-QByteArray obexName(const QString& name) {
-    QByteArray bytes;
-    for (const QChar c : name) {
-        bytes.append(static_cast<char>(c.unicode() >> 8));
-        bytes.append(static_cast<char>(c.unicode() & 0xff));
-    }
-    bytes.append(2, '\0');
-    return bytes;
-}
 
 QString responseText(int response) {
     return QStringLiteral("%1 (0x%2)")
@@ -176,7 +174,7 @@ void ObexPushSession::handleEvent(obex_object* object, int event, int response) 
 
 void ObexPushSession::feedBody(obex_object* object) {
     // The library keeps pointing into this piece until it asks for the next.
-    m_chunk = m_file.read(kChunkSize);
+    m_chunk = m_file.read(m_pieceSize);
     if (m_file.error() != QFileDevice::NoError) {
         m_failure =
             QStringLiteral("reading %1 failed: %2").arg(m_file.fileName(), m_file.errorString());
@@ -202,20 +200,56 @@ bool ObexPushSession::request(obex_object* object) {
     return true;
 }
 
-bool ObexPushSession::requestPut() {
+bool ObexPushSession::requestPut(QString& reason) {
     obex_object* object = OBEX_ObjectNew(m_handle, OBEX_CMD_PUT);
     if (!object)
         return false;
-    const QByteArray name = obexName(QFileInfo(m_file.fileName()).fileName());
-    obex_headerdata_t value;
-    value.bs = reinterpret_cast<const uint8_t*>(name.constData());
-    OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_NAME, value, static_cast<uint32_t>(name.size()),
-                         0);
-    value.bq4 = static_cast<uint32_t>(m_file.size());
-    OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_LENGTH, value, sizeof(uint32_t), 0);
-    value.bs = nullptr;
-    OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_BODY, value, 0, OBEX_FL_STREAM_START);
+    // What one packet holds after its head: the phone named its packet
+    // size in the CONNECT answer.
+    const int room = OBEX_ObjectGetSpace(m_handle, object, 0);
+    m_pieceSize = qBound(1, room - kBodyHeaderSize, kChunkSize);
+    if (!addPutHeaders(object, room, reason)) {
+        OBEX_ObjectDelete(m_handle, object);
+        return false;
+    }
     return request(object);
+}
+
+bool ObexPushSession::addPutHeaders(obex_object* object, int room, QString& reason) {
+    // A NAME header cannot be split over packets: it goes with the LENGTH and
+    // the start of the body in the first one, shortened when too long.
+    const QString name = QFileInfo(m_file.fileName()).fileName();
+    const int nameRoom = room - kLengthHeaderSize - kBodyHeaderSize;
+    const QString sent = ObexName::shortened(name, (nameRoom - ObexName::headerSize(QString())) /
+                                                       static_cast<int>(sizeof(char16_t)));
+    const int packetSize = room + kPacketHeadSize;
+    if (sent.isEmpty()) {
+        reason = QStringLiteral("the phone takes packets of only %1 bytes, too small for a name")
+                     .arg(packetSize);
+        return false;
+    }
+    if (sent != name)
+        qCInfo(lcTransfer).noquote()
+            << QStringLiteral("%1 goes to the phone as %2: it takes packets of at most %3 bytes")
+                   .arg(name, sent)
+                   .arg(packetSize);
+    const QByteArray encoded = ObexName::encode(sent);
+    obex_headerdata_t value;
+    value.bs = reinterpret_cast<const uint8_t*>(encoded.constData());
+    bool added =
+        OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_NAME, value,
+                             static_cast<uint32_t>(encoded.size()), OBEX_FL_FIT_ONE_PACKET) >= 0;
+    value.bq4 = static_cast<uint32_t>(m_file.size());
+    added = added && OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_LENGTH, value,
+                                          sizeof(uint32_t), OBEX_FL_FIT_ONE_PACKET) >= 0;
+    value.bs = nullptr;
+    added = added && OBEX_ObjectAddHeader(m_handle, object, OBEX_HDR_BODY, value, 0,
+                                          OBEX_FL_STREAM_START) >= 0;
+    if (!added)
+        reason = QStringLiteral("the headers of %1 do not fit the phone's packets of %2 bytes")
+                     .arg(sent)
+                     .arg(packetSize);
+    return added;
 }
 
 void ObexPushSession::pump() {
@@ -274,12 +308,13 @@ bool ObexPushSession::advance() {
                QStringLiteral("the phone refused %1: %2").arg(what, responseText(m_response)));
         return false;
     }
+    QString reason = QStringLiteral("the OBEX request could not be made");
     const bool sent = m_step == Step::Connect
-                          ? requestPut()
+                          ? requestPut(reason)
                           : request(OBEX_ObjectNew(m_handle, OBEX_CMD_DISCONNECT));
     if (!sent) {
         // The file is there once the PUT succeeded; only the goodbye failed.
-        finish(m_step == Step::Put, QStringLiteral("the OBEX request could not be made"));
+        finish(m_step == Step::Put, reason);
         return false;
     }
     m_step = m_step == Step::Connect ? Step::Put : Step::Disconnect;

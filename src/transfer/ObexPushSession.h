@@ -40,7 +40,8 @@ private:
     bool advance();
     Input pendingInput();
     bool request(obex_object* object);
-    bool requestPut();
+    bool requestPut(QString& reason);
+    bool addPutHeaders(obex_object* object, int room, QString& reason);
     void feedBody(obex_object* object);
     void finish(bool succeeded, const QString& reason);
     void release();
@@ -49,6 +50,7 @@ private:
     obex* m_handle = nullptr;
     QFile m_file;
     QByteArray m_chunk;
+    qint64 m_pieceSize = 0;
     Step m_step = Step::Connect;
     bool m_requestDone = false;
     int m_response = 0;
