@@ -109,6 +109,60 @@ TEST_F(ObexSessionEndTest, ANameThatFitsIsSentUnchangedInSmallPackets) {
     EXPECT_LE(peer.largestPacket(), kSmallestPacket);
 }
 
+TEST_F(ObexSessionEndTest, ARefusedConnectionFailsTheSend) {
+    RawObexPeer peer({RawObexPeer::Behaviour::RefuseConnect, kSmallestPacket, 0xC3});
+    expectFailure(push(peer, writeFile("a.tpl", "abc")), "refused the connection: Forbidden");
+}
+
+TEST_F(ObexSessionEndTest, ABareRefusalOfTheConnectionFailsTheSend) {
+    RawObexPeer peer({RawObexPeer::Behaviour::RefuseConnectBriefly, kSmallestPacket, 0xC3});
+    expectFailure(push(peer, writeFile("a.tpl", "abc")), "refused the connection: Forbidden");
+}
+
+TEST_F(ObexSessionEndTest, ARefusedFileFailsTheSend) {
+    RawObexPeer peer({RawObexPeer::Behaviour::RefusePut, kSmallestPacket, 0xCD});
+    expectFailure(push(peer, writeFile(longName(), patternBytes(5000))), "refused the file");
+}
+
+TEST_F(ObexSessionEndTest, AResetDuringThePutFailsTheSend) {
+    RawObexPeer peer({RawObexPeer::Behaviour::ResetDuringPut, kSmallestPacket});
+    expectFailure(push(peer, writeFile(longName(), patternBytes(5000))), "connection");
+}
+
+TEST_F(ObexSessionEndTest, AHangUpDuringThePutFailsTheSend) {
+    RawObexPeer peer({RawObexPeer::Behaviour::HangUpDuringPut, kSmallestPacket});
+    expectFailure(push(peer, writeFile(longName(), patternBytes(5000))), "connection");
+}
+
+TEST_F(ObexSessionEndTest, GarbageForAnAnswerToTheConnectionFailsTheSend) {
+    RawObexPeer peer({RawObexPeer::Behaviour::GarbageForConnect, kSmallestPacket});
+    expectFailure(push(peer, writeFile("a.tpl", "abc")), "not OBEX");
+}
+
+TEST_F(ObexSessionEndTest, AnAnswerShorterThanItsOwnHeaderFailsTheSend) {
+    RawObexPeer::Setup setup{RawObexPeer::Behaviour::GarbageDuringPut, kSmallestPacket};
+    // Success, with a length that does not even cover the code and the length.
+    setup.garbage = QByteArray("\xA0\x00\x00", 3);
+    RawObexPeer peer(setup);
+    expectFailure(push(peer, writeFile(longName(), patternBytes(5000))), "not OBEX");
+}
+
+TEST_F(ObexSessionEndTest, APeerFallingSilentAfterTheConnectionFailsTheSend) {
+    RawObexPeer peer({RawObexPeer::Behaviour::SilentAfterConnect, kSmallestPacket});
+    expectFailure(push(peer, writeFile(longName(), patternBytes(5000))), "did not answer");
+}
+
+TEST_F(ObexSessionEndTest, AnAnswerThatNeverCompletesFailsTheSend) {
+    // A byte now and then is no answer: the time limit still runs.
+    RawObexPeer peer({RawObexPeer::Behaviour::DribbleDuringPut, kSmallestPacket});
+    expectFailure(push(peer, writeFile("a.tpl", patternBytes(1000))), "did not answer");
+}
+
+TEST_F(ObexSessionEndTest, APeerThatNeverLetsThePutEndFailsTheSend) {
+    RawObexPeer peer({RawObexPeer::Behaviour::ContinueForever, kSmallestPacket});
+    expectFailure(push(peer, writeFile("a.tpl", patternBytes(1000))), "round in circles");
+}
+
 TEST_F(ObexSessionEndTest, PacketsTooSmallForAnyNameFailTheSendAndSaySo) {
     // Below what OBEX allows, yet announced: not even a one-letter name fits.
     RawObexPeer peer({RawObexPeer::Behaviour::Accept, 16});

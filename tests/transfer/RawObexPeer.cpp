@@ -9,6 +9,8 @@
 namespace {
 // However a test ends, the peer's thread ends by this time.
 constexpr auto kLifetime = std::chrono::seconds(90);
+// A dribbling peer's pause between two bytes.
+constexpr int kDribbleMs = 200;
 
 constexpr std::uint8_t kConnect = 0x80;
 constexpr std::uint8_t kDisconnect = 0x81;
@@ -158,6 +160,18 @@ void RawObexPeer::waitForHangUp(int socket) {
     }
 }
 
+void RawObexPeer::dribble(int socket) {
+    // Continue, with the longest length there is.
+    sendBytes(socket, QByteArray("\x90\xff\xff", 3));
+    char buffer[4096];
+    while (keepGoing()) {
+        pollfd entry{socket, POLLIN, 0};
+        if (::poll(&entry, 1, kDribbleMs) > 0 && ::recv(socket, buffer, sizeof buffer, 0) <= 0)
+            return;
+        sendBytes(socket, QByteArray(1, '\0'));
+    }
+}
+
 void RawObexPeer::serve() {
     while (waitReadable(m_listener)) {
         const int socket = ::accept(m_listener, nullptr, nullptr);
@@ -229,6 +243,9 @@ bool RawObexPeer::reactToPut(int socket, const QByteArray& packet) {
         return false;
     case Behaviour::SilentAfterConnect:
         waitForHangUp(socket);
+        return false;
+    case Behaviour::DribbleDuringPut:
+        dribble(socket);
         return false;
     case Behaviour::ContinueForever:
         answer(socket, kContinue);

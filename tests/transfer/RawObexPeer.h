@@ -37,6 +37,10 @@ public:
         Silent,
         // Accepts CONNECT, then never answers again.
         SilentAfterConnect,
+        // Accepts CONNECT, then begins a long answer to the first PUT packet
+        // and sends the rest one byte at a time, slowly, for as long as the
+        // client listens.
+        DribbleDuringPut,
     };
     struct Setup {
         Behaviour behaviour = Behaviour::Accept;
@@ -73,6 +77,7 @@ private:
     bool reactToPut(int socket, const QByteArray& packet);
     void takePut(const QByteArray& packet);
     void waitForHangUp(int socket);
+    void dribble(int socket);
     QByteArray readPacket(int socket);
     bool waitReadable(int socket);
     bool keepGoing() const;
