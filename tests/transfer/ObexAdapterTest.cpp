@@ -1,4 +1,5 @@
 #include "ObexTarget.h"
+#include "RawObexPeer.h"
 #include "TransferOptions.h"
 #include "TransferTestSupport.h"
 #include "clsMMSCommunication.h"

@@ -1,3 +1,4 @@
+#include "RawObexPeer.h"
 #include "TempDataHome.h"
 #include "TransferTestSupport.h"
 
@@ -52,4 +53,18 @@ TEST_F(SendCommandTest, AFilePushedToARealServerArrivesWhole) {
     EXPECT_EQ(result.output, "0 sent to tcp:127.0.0.1:650");
     EXPECT_TRUE(readAll(server.folder() + "/Holiday message.tpl") == readAll(path))
         << server.log().toStdString();
+}
+
+TEST_F(SendCommandTest, ALongNameToAPeerWithTheSmallestPacketsIsSentNotSpunOn) {
+    RawObexPeer peer({RawObexPeer::Behaviour::Accept, 255});
+    // 150 characters: the name alone outgrows one 255-byte packet.
+    const QString name = QString(146, QLatin1Char('n')) + ".tpl";
+    const QString path = dataFile(name);
+    writeFile(path, patternBytes(70000));
+    // send() gives up after a minute, which fails the test instead of hanging it.
+    const Result result = send({path, "--via", "obex", "--target", peer.target()});
+    EXPECT_EQ(result.exitCode, 0) << result.output.toStdString();
+    EXPECT_EQ(result.output, "0 sent to " + peer.target());
+    EXPECT_TRUE(peer.receivedBody() == readAll(path));
+    EXPECT_TRUE(peer.receivedName().endsWith(".tpl")) << peer.receivedName().toStdString();
 }

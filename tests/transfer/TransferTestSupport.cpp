@@ -11,7 +11,6 @@
 #include <cstring>
 #include <net/if.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -120,89 +119,6 @@ QString ObexTestServer::log() {
     m_process.waitForReadyRead(0);
     m_output += m_process.readAll();
     return QString::fromLocal8Bit(m_output);
-}
-
-RawObexPeer::RawObexPeer(Behaviour behaviour) : m_behaviour(behaviour) {
-    m_listener = ::socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    ::bind(m_listener, reinterpret_cast<sockaddr*>(&address), size);
-    ::getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &size);
-    ::listen(m_listener, 4);
-    m_port = ntohs(address.sin_port);
-    m_thread = std::thread([this] { serve(); });
-}
-
-RawObexPeer::~RawObexPeer() {
-    m_stop = true;
-    m_thread.join();
-    ::close(m_listener);
-}
-
-QString RawObexPeer::target() const {
-    return QStringLiteral("tcp:127.0.0.1:%1").arg(m_port);
-}
-
-namespace {
-// Waits for data with a short step so the peer notices when to stop.
-bool waitReadable(int socket, const std::atomic<bool>& stop) {
-    while (!stop) {
-        pollfd entry{socket, POLLIN, 0};
-        if (::poll(&entry, 1, 50) > 0)
-            return true;
-    }
-    return false;
-}
-
-// One OBEX packet: opcode, 16-bit big-endian length, the rest. Empty when
-// the other side hung up first.
-QByteArray readPacket(int socket, const std::atomic<bool>& stop) {
-    QByteArray packet;
-    qsizetype wanted = 3;
-    while (packet.size() < wanted) {
-        if (!waitReadable(socket, stop))
-            return {};
-        char buffer[4096];
-        const ssize_t got =
-            ::recv(socket, buffer,
-                   static_cast<size_t>(qMin<qsizetype>(sizeof buffer, wanted - packet.size())), 0);
-        if (got <= 0)
-            return {};
-        packet.append(buffer, got);
-        if (packet.size() >= 3)
-            wanted = (static_cast<unsigned char>(packet[1]) << 8) |
-                     static_cast<unsigned char>(packet[2]);
-    }
-    return packet;
-}
-} // namespace
-
-void RawObexPeer::serve() {
-    while (waitReadable(m_listener, m_stop)) {
-        const int socket = ::accept(m_listener, nullptr, nullptr);
-        if (socket >= 0)
-            serveConnection(socket);
-    }
-}
-
-void RawObexPeer::serveConnection(int socket) {
-    if (m_behaviour == Behaviour::Silent) {
-        // Keep the connection open and say nothing until the test ends.
-        while (!m_stop)
-            QThread::msleep(20);
-        ::close(socket);
-        return;
-    }
-    const QByteArray connect = readPacket(socket, m_stop);
-    if (!connect.isEmpty()) {
-        // Success, OBEX 1.0, no flags, packets up to 0x2000 bytes.
-        const char answer[] = {char(0xA0), 0x00, 0x07, 0x10, 0x00, 0x20, 0x00};
-        ::send(socket, answer, sizeof answer, MSG_NOSIGNAL);
-        readPacket(socket, m_stop);
-    }
-    ::close(socket);
 }
 
 bool FakeAdapter::SendFile(const QString& path) {

@@ -6,9 +6,7 @@
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
-#include <atomic>
 #include <cstdint>
-#include <thread>
 
 // Writes an executable shell script.
 void writeScript(const QString& path, const QByteArray& body);
@@ -45,31 +43,6 @@ private:
 // cannot run here (no root, the server program not installed), or "" when the
 // server listens; any other trouble is recorded as a failure and returned too.
 QString startPrivateObexServer(ObexTestServer& server);
-
-// A hand-made OBEX peer on loopback that misbehaves the way real phones do.
-class RawObexPeer {
-public:
-    enum class Behaviour {
-        // Accepts CONNECT, then hangs up on the first PUT packet.
-        HangUpDuringPut,
-        // Takes the connection and never says a word.
-        Silent,
-    };
-    explicit RawObexPeer(Behaviour behaviour);
-    ~RawObexPeer();
-    std::uint16_t port() const { return m_port; }
-    QString target() const;
-
-private:
-    void serve();
-    void serveConnection(int socket);
-
-    Behaviour m_behaviour;
-    int m_listener = -1;
-    std::uint16_t m_port = 0;
-    std::atomic<bool> m_stop{false};
-    std::thread m_thread;
-};
 
 // An adapter the test drives by hand: for the rules of the connection object
 // that no real component can be made to show on demand.
