@@ -23,11 +23,7 @@ TransferOptions optionsFor(const QString& target) {
 class ObexAdapterTest : public ::testing::Test {
 protected:
     QString writeFile(const QString& name, const QByteArray& bytes) {
-        const QString path = m_dir.filePath(name);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        return path;
+        return writeFileIn(m_dir.path(), name, bytes);
     }
 
     // Sets the connection up for OBEX and waits for the first look at the phone.

@@ -35,11 +35,7 @@ protected:
     };
 
     QString writeFile(const QString& name, const QByteArray& bytes) {
-        const QString path = m_dir.filePath(name);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        return path;
+        return writeFileIn(m_dir.path(), name, bytes);
     }
 
     // Sends one file to the peer. A send that has not ended when the guard

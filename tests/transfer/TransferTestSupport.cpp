@@ -24,6 +24,14 @@ void writeScript(const QString& path, const QByteArray& body) {
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
+QString writeFileIn(const QString& folder, const QString& name, const QByteArray& bytes) {
+    const QString path = folder + "/" + name;
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+    return path;
+}
+
 QByteArray readAll(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();

@@ -11,6 +11,8 @@
 // Writes an executable shell script.
 void writeScript(const QString& path, const QByteArray& body);
 QByteArray readAll(const QString& path);
+// Writes bytes as folder/name and returns that path.
+QString writeFileIn(const QString& folder, const QString& name, const QByteArray& bytes);
 // Bytes that do not repeat, so a shifted or dropped piece shows.
 QByteArray patternBytes(int size);
 // A loopback port nothing listens on.
