@@ -223,13 +223,18 @@ clsMessage* clsMMSManager::AdoptFolderMessage(const QString& folder) {
         emptyWorkFolder();
         return nullptr;
     }
-    // Only the files the message names come along; a copy that fails shows as missing.
-    for (const QString& name : message->MediaNames())
-        PlainFileName::copy(folder, name, m_workFolder + name);
+    // Only the files the message names come along; one that cannot is left out
+    // with the reason.
+    QHash<QString, QString> notBrought;
+    for (const QString& name : message->MediaNames()) {
+        QString why;
+        if (!PlainFileName::copy(folder, name, m_workFolder + name, &why))
+            notBrought.insert(name, why);
+    }
     m_message = std::move(message);
     m_current = m_message->version() == QLatin1String("2.0");
     applyDefaults(*m_message);
-    dropMissingMedia(*m_message);
+    dropMissingMedia(*m_message, notBrought);
     return m_message.get();
 }
 
@@ -292,14 +297,14 @@ void clsMMSManager::loadSlidePictures(clsMessage& message) {
     }
 }
 
-void clsMMSManager::dropMissingMedia(clsMessage& message) {
+void clsMMSManager::dropMissingMedia(clsMessage& message, const QHash<QString, QString>& reasons) {
     // Names come from the file: each is checked before it is taken as a path.
-    auto missing = [this](const QString& name) {
+    auto missing = [this, &reasons](const QString& name) {
         QString why;
         const bool gone =
             !name.isEmpty() && PlainFileName::existingFile(m_workFolder, name, &why).isEmpty();
         if (gone)
-            m_missingMedia << why;
+            m_missingMedia << reasons.value(name, why);
         return gone;
     };
     for (const auto& slide : message.Slides()) {

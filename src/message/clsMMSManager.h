@@ -7,6 +7,7 @@
 #include "UniqueNamer.h"
 #include "clsMessage.h"
 
+#include <QHash>
 #include <QImage>
 #include <QObject>
 #include <QString>
@@ -120,7 +121,8 @@ private:
     std::unique_ptr<clsMessage> newMessage(const QString& xmlPath, const QString& name);
     void applyDefaults(clsMessage& message) const;
     void loadSlidePictures(clsMessage& message);
-    void dropMissingMedia(clsMessage& message);
+    // reasons: why a name is gone, where that is known better than "missing".
+    void dropMissingMedia(clsMessage& message, const QHash<QString, QString>& reasons = {});
     static QStringList packagedNames(const QString& fileList);
     bool packTemplate(const QString& folder, const QString& baseName, const QString& fileList);
     bool buildPackage(const QString& folder, const QString& baseName, const QString& fileList);
