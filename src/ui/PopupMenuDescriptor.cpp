@@ -46,8 +46,8 @@ PopupMenuItem DescriptorReader::entry(const QString& text) {
 }
 
 PopupMenuItem DescriptorReader::subMenu(const QString& text) {
-    const QStringList parts = text.split(u'|');
-    const QString& header = parts.first();
+    const QStringList pieces = text.split(u'|');
+    const QString& header = pieces.first();
     PopupMenuItem menu;
     menu.subMenu = true;
     // The header's own number (conventionally ";0") is never reported.
@@ -56,8 +56,8 @@ PopupMenuItem DescriptorReader::subMenu(const QString& text) {
         menu.enabled = false;
         menu.caption = withoutFirstCharacter(menu.caption);
     }
-    for (qsizetype i = 1; i < parts.size(); ++i)
-        menu.children.append(item(parts.at(i)));
+    for (qsizetype i = 1; i < pieces.size(); ++i)
+        menu.children.append(item(pieces.at(i)));
     return menu;
 }
 

@@ -22,10 +22,10 @@ QString outline(const PopupMenuItem& item) {
 }
 
 QString outline(const QList<PopupMenuItem>& items) {
-    QStringList parts;
+    QStringList pieces;
     for (const PopupMenuItem& item : items)
-        parts.append(outline(item));
-    return parts.join(u' ');
+        pieces.append(outline(item));
+    return pieces.join(u' ');
 }
 
 QString read(const QString& descriptor) {
@@ -74,7 +74,7 @@ TEST(PopupMenuDescriptorTest, CheckedItemsLoseTheirMark) {
 TEST(PopupMenuDescriptorTest, MarksCountAnywhereInTheItemButCutTheFirstCharacter) {
     EXPECT_EQ(read("Save!;3"), "!ave!=3");
     EXPECT_EQ(read("Loop#"), "#oop#=1");
-    EXPECT_EQ(read("Take 5;!7"), "!ake 5=0") << "the number field counts as part of the item";
+    EXPECT_EQ(read("Take 5;!7"), "!ake 5=0") << "the number field belongs to the item too";
 }
 
 TEST(PopupMenuDescriptorTest, ADisabledHeaderLosesItsMarkAndItsNumber) {
