@@ -2,7 +2,9 @@
 
 #include "AppGlobals.h"
 #include "SlideListModel.h"
+#include "clsPopupMenu.h"
 
+#include <QContextMenuEvent>
 #include <QKeyEvent>
 
 ctlSlideThumbs::ctlSlideThumbs(QWidget* parent)
@@ -65,6 +67,46 @@ void ctlSlideThumbs::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QListView::keyPressEvent(event);
+}
+
+namespace {
+QString item(const QString& caption, int number) {
+    return caption + u';' + QString::number(number);
+}
+QString item(const char* key, const char* fallback, int number) {
+    return item(AppGlobals::text(key, fallback), number);
+}
+} // namespace
+
+QString ctlSlideThumbs::menuDescriptor(bool forSlide) const {
+    const QString all = m_menuEnabled ? QString() : QStringLiteral("!");
+    const QString slide = m_menuEnabled && forSlide ? QString() : QStringLiteral("!");
+    const QString before = AppGlobals::text("MNU_SLIDE_BEFORE", "Before");
+    const QString after = AppGlobals::text("MNU_SLIDE_AFTER", "After");
+    return all + item("MNU_SLIDE_ADD", "Add", AddSlide) + u',' + slide +
+           item("MNU_SLIDE_INSERT", "Insert", 0) + u'|' + item(before, InsertBefore) + u'|' +
+           item(after, InsertAfter) + u',' + slide + item("MNU_SLIDE_DUPLICATE", "Duplicate", 0) +
+           u'|' + item(before, DuplicateBefore) + u'|' + item(after, DuplicateAfter) + ",-," +
+           slide + item("MNU_SLIDE_DELETE", "Delete", 0) + u'|' +
+           item("MNU_SLIDE_DELETE_SLIDE", "Slide", DeleteSlide) + "|-|" +
+           item("MNU_SLIDE_DELETE_IMAGE", "Image", DeleteImage) + u'|' +
+           item("MNU_SLIDE_DELETE_SOUND", "Sound", DeleteSound) + u'|' +
+           item("MNU_SLIDE_DELETE_TEXT", "Text", DeleteText);
+}
+
+// From the mouse the menu is for the slide under it; from the keyboard (the
+// menu key, Shift+F10) for the chosen slide.
+void ctlSlideThumbs::contextMenuEvent(QContextMenuEvent* event) {
+    const QModelIndex at =
+        event->reason() == QContextMenuEvent::Mouse ? indexAt(event->pos()) : currentIndex();
+    const int slide = at.isValid() ? at.row() + 1 : 0;
+    const QPoint position = at.isValid() && event->reason() != QContextMenuEvent::Mouse
+                                ? viewport()->mapToGlobal(visualRect(at).center())
+                                : event->globalPos();
+    const int command =
+        clsPopupMenu(this).PopupStringXY(menuDescriptor(slide > 0), position.x(), position.y());
+    if (command > 0)
+        emit menuCommand(command, slide);
 }
 
 void ctlSlideThumbs::onCurrentChanged(const QModelIndex& current) {

@@ -13,7 +13,17 @@ class ctlSlideThumbs : public QListView {
     Q_OBJECT
 public:
     // Commands of the strip's slide menu, as the main window handles them.
-    enum Command { AddSlide = 1, DeleteSlide = 9 };
+    enum Command {
+        AddSlide = 1,
+        InsertBefore = 3,
+        InsertAfter = 4,
+        DuplicateBefore = 6,
+        DuplicateAfter = 7,
+        DeleteSlide = 9,
+        DeleteImage = 10,
+        DeleteSound = 11,
+        DeleteText = 12,
+    };
 
     explicit ctlSlideThumbs(QWidget* parent = nullptr);
 
@@ -27,6 +37,11 @@ public:
     // Shows slide (1-based) as the chosen one, without raising slideSelected.
     void SelectSlide(int slide);
     int selectedSlide() const;
+    // False while the preview plays: every item of the slide menu is disabled.
+    void setRightClickMenuEnabled(bool enabled) { m_menuEnabled = enabled; }
+    bool RightClickMenuEnabled() const { return m_menuEnabled; }
+    // The slide menu; its slide items are disabled unless it is for a slide.
+    QString menuDescriptor(bool forSlide) const;
     SlideListModel* slideModel() const { return m_model; }
 
 signals:
@@ -38,10 +53,12 @@ signals:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     void onCurrentChanged(const QModelIndex& current);
 
     SlideListModel* m_model;
     bool m_selecting = false;
+    bool m_menuEnabled = true;
 };

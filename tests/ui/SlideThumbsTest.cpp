@@ -1,14 +1,31 @@
 #include "SlideListModel.h"
 #include "TempDataHome.h"
 #include "clsMMSManager.h"
+#include "clsPopupMenu.h"
 #include "ctlSlideThumbs.h"
 
 #include <QAccessible>
+#include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
 
 namespace {
+// The action a user reaches by the captions on the way, as "Delete/Sound".
+QAction* findAction(QMenu& menu, const QString& path) {
+    const QString first = path.section(u'/', 0, 0);
+    for (QAction* action : menu.actions()) {
+        if (action->text() != first)
+            continue;
+        if (!path.contains(u'/'))
+            return action;
+        return action->menu() ? findAction(*action->menu(), path.section(u'/', 1)) : nullptr;
+    }
+    return nullptr;
+}
+
 constexpr qint64 kRed = 0x0000ff, kGreen = 0x00ff00, kBlue = 0xff0000;
 
 class SlideThumbsTest : public TempDataHome {
@@ -111,4 +128,27 @@ TEST_F(SlideThumbsTest, DroppingAThumbnailAsksToMoveItsSlide) {
     QMimeData foreign;
     foreign.setData(SlideListModel::MimeType, "7");
     EXPECT_FALSE(model->canDropMimeData(&foreign, Qt::MoveAction, 0, 0, {}));
+}
+
+TEST_F(SlideThumbsTest, TheRightClickMenuActsOnTheSlideUnderTheMouse) {
+    QSignalSpy commands(&m_strip, &ctlSlideThumbs::menuCommand);
+    const auto rightClick = [&](int slide, const QString& path) {
+        clsPopupMenu::queueChoice([path](QMenu& menu) { return findAction(menu, path); });
+        const QPoint at = slide > 0
+                              ? m_strip.visualRect(m_strip.model()->index(slide - 1, 0)).center()
+                              : QPoint(5, m_strip.viewport()->height() - 5);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, m_strip.viewport()->mapToGlobal(at));
+        QApplication::sendEvent(m_strip.viewport(), &event);
+    };
+    rightClick(2, "Duplicate/After");
+    rightClick(3, "Delete/Sound");
+    rightClick(0, "Add");
+    rightClick(0, "Delete/Slide"); // no slide under the mouse: only Add is offered
+    m_strip.setRightClickMenuEnabled(false);
+    rightClick(1, "Add"); // while the preview plays nothing is
+    ASSERT_EQ(commands.count(), 3);
+    EXPECT_EQ(commands[0], QList<QVariant>({int(ctlSlideThumbs::DuplicateAfter), 2}));
+    EXPECT_EQ(commands[1], QList<QVariant>({int(ctlSlideThumbs::DeleteSound), 3}));
+    EXPECT_EQ(commands[2], QList<QVariant>({int(ctlSlideThumbs::AddSlide), 0}));
+    clsPopupMenu::clear();
 }
