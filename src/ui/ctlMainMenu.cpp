@@ -1,0 +1,183 @@
+#include "ctlMainMenu.h"
+
+#include "AppGlobals.h"
+#include "clsPopupMenu.h"
+
+#include <QMenu>
+
+namespace {
+struct Title {
+    const char* key;
+    const char* fallback;
+};
+const Title kTitles[] = {
+    {"MNU_FILE", "File"}, {"MNU_SLIDE", "Slide"}, {"MNU_HELP", "Help"}, {"MNU_EDIT", "Edit"}};
+// The order on the bar: File, Edit, Slide, Help.
+const int kBarOrder[] = {ctlMainMenu::FileMenu, ctlMainMenu::EditMenu, ctlMainMenu::SlideMenu,
+                         ctlMainMenu::HelpMenu};
+
+const QHash<int, QKeySequence::StandardKey>& standardKeys() {
+    static const QHash<int, QKeySequence::StandardKey> keys{
+        {ctlMainMenu::New, QKeySequence::New},   {ctlMainMenu::Open, QKeySequence::Open},
+        {ctlMainMenu::Save, QKeySequence::Save}, {ctlMainMenu::SaveAs, QKeySequence::SaveAs},
+        {ctlMainMenu::Exit, QKeySequence::Quit}, {ctlMainMenu::Help, QKeySequence::HelpContents},
+        {ctlMainMenu::Undo, QKeySequence::Undo}, {ctlMainMenu::Redo, QKeySequence::Redo},
+    };
+    return keys;
+}
+
+// Alt and the first letter open a menu whose title names no key of its own.
+QString withMnemonic(const QString& title) {
+    return title.contains(u'&') ? title : u'&' + title;
+}
+} // namespace
+
+ctlMainMenu::ctlMainMenu(QWidget* parent) : QMenuBar(parent) {
+    setObjectName(QStringLiteral("ctlMainMenu"));
+    for (const int menu : kBarOrder) {
+        m_menus[menu] = addMenu(QString());
+        connect(m_menus[menu], &QMenu::aboutToShow, this, [this, menu] { rebuild(menu); });
+        // Built once now, so a screen reader and the keyboard find the items at once.
+        rebuild(menu);
+    }
+    for (auto key = standardKeys().cbegin(); key != standardKeys().cend(); ++key) {
+        auto* action = new QAction(this);
+        action->setShortcut(key.value());
+        action->setShortcutContext(Qt::WindowShortcut);
+        const int number = key.key();
+        connect(action, &QAction::triggered, this, [this, number] { emit MenuClick(number); });
+        m_shortcuts.insert(number, action);
+    }
+    TranslateControl();
+}
+
+void ctlMainMenu::TranslateControl() {
+    for (int menu = FileMenu; menu <= EditMenu; ++menu)
+        m_menus[menu]->setTitle(
+            withMnemonic(AppGlobals::text(kTitles[menu].key, kTitles[menu].fallback)));
+}
+
+void ctlMainMenu::SetBackground(const QPixmap& picture, const QColor& colour) {
+    QPalette shade = palette();
+    shade.setBrush(QPalette::Window, picture.isNull() ? QBrush(colour) : QBrush(picture));
+    setPalette(shade);
+    setAutoFillBackground(true);
+}
+
+void ctlMainMenu::MenuEnabled(int menu, bool enabled) {
+    if (menu < FileMenu || menu > EditMenu)
+        return;
+    m_menus[menu]->menuAction()->setEnabled(enabled);
+    // A closed menu's shortcuts follow it: File's and Slide's go with their menus.
+    for (auto shortcut = m_shortcuts.cbegin(); shortcut != m_shortcuts.cend(); ++shortcut)
+        if ((menu == FileMenu && shortcut.key() <= Exit) ||
+            (menu == EditMenu && shortcut.key() >= Undo) ||
+            (menu == HelpMenu && shortcut.key() == Help))
+            shortcut.value()->setEnabled(enabled && isItemEnabled(shortcut.key()));
+}
+
+void ctlMainMenu::MenuItemEnabled(int number, bool enabled) {
+    if (enabled)
+        m_disabled.remove(number);
+    else
+        m_disabled.insert(number);
+    if (QAction* shortcut = m_shortcuts.value(number))
+        shortcut->setEnabled(enabled);
+}
+
+void ctlMainMenu::EnableExportImport(bool enabled) {
+    m_exportImport = enabled;
+}
+
+void ctlMainMenu::installShortcuts(QWidget* window) {
+    for (QAction* action : std::as_const(m_shortcuts))
+        window->addAction(action);
+}
+
+QString ctlMainMenu::descriptor(int menu) const {
+    switch (menu) {
+    case FileMenu:
+        return fileDescriptor();
+    case SlideMenu:
+        return slideDescriptor();
+    case HelpMenu:
+        return item("MNU_HELP_HELP", "Help", Help) + u',' + item("MNU_HELP_ABOUT", "About", About);
+    case EditMenu:
+        return item("MNU_EDIT_UNDO", "Undo", Undo) + u',' + item("MNU_EDIT_REDO", "Redo", Redo);
+    default:
+        return QString();
+    }
+}
+
+QString ctlMainMenu::item(const char* key, const char* fallback, int number) const {
+    return (isItemEnabled(number) ? QString() : QStringLiteral("!")) +
+           AppGlobals::text(key, fallback) + u';' + QString::number(number);
+}
+
+QString ctlMainMenu::fileDescriptor() const {
+    QString text = item("MNU_FILE_NEW", "New", New) + u',' + item("MNU_FILE_OPEN", "Open", Open) +
+                   ",-," + item("MNU_FILE_SAVE", "Save", Save) + u',' +
+                   item("MNU_FILE_SAVEAS", "Save as", SaveAs) + ",-,";
+    if (m_exportImport)
+        text += item("MNU_FILE_EXPORT", "Export", Export) + u',' +
+                item("MNU_FILE_IMPORT", "Import", Import) + ",-,";
+    return text + item("MNU_FILE_INFO", "Info", Info) + ",-," +
+           item("MNU_FILE_SETTINGS", "Settings", Settings) + ",-," +
+           m_recent.descriptor(AppGlobals::text("MNU_FILE_RECENT", "Recent")) + ",-," +
+           item("MNU_FILE_EXIT", "Exit", Exit);
+}
+
+QString ctlMainMenu::slideDescriptor() const {
+    const QString before = AppGlobals::text("MNU_SLIDE_BEFORE", "Before");
+    const QString after = AppGlobals::text("MNU_SLIDE_AFTER", "After");
+    auto sub = [this](const QString& caption, int number) {
+        return (isItemEnabled(number) ? QString() : QStringLiteral("!")) + caption + u';' +
+               QString::number(number);
+    };
+    return item("MNU_SLIDE_ADD", "Add", AddSlide) + u',' +
+           AppGlobals::text("MNU_SLIDE_INSERT", "Insert") + ";0|" + sub(before, InsertBefore) +
+           u'|' + sub(after, InsertAfter) + u',' +
+           AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate") + ";0|" +
+           sub(before, DuplicateBefore) + u'|' + sub(after, DuplicateAfter) + u',' +
+           AppGlobals::text("MNU_SLIDE_DELETE", "Delete") + ";0|" +
+           item("MNU_SLIDE_DELETE_SLIDE", "Slide", DeleteSlide) + "|-|" +
+           item("MNU_SLIDE_DELETE_IMAGE", "Image", DeleteImage) + u'|' +
+           item("MNU_SLIDE_DELETE_SOUND", "Sound", DeleteSound) + u'|' +
+           item("MNU_SLIDE_DELETE_TEXT", "Text", DeleteText) + ",-," +
+           item("MNU_SLIDE_BACKGROUND", "Background", Background) + ",-," +
+           item("MNU_SLIDE_PREVIEW", "Preview", Preview) + u',' +
+           item("MNU_SLIDE_DOWNLOAD_PICTURE", "Send picture", DownloadPicture);
+}
+
+void ctlMainMenu::rebuild(int menu) {
+    clsPopupMenu::fillMenu(*m_menus[menu], descriptor(menu));
+    showShortcuts(*m_menus[menu]);
+    reportChoices(*m_menus[menu]);
+}
+
+// Each item reports itself once, in a sub-menu as in the menu itself.
+void ctlMainMenu::reportChoices(QMenu& menu) {
+    for (QAction* action : menu.actions()) {
+        if (action->menu())
+            reportChoices(*action->menu());
+        else if (!action->isSeparator())
+            connect(action, &QAction::triggered, this, [this, action] { onTriggered(action); });
+    }
+}
+
+// The keys are shown beside the captions; the window's own actions carry them.
+void ctlMainMenu::showShortcuts(QMenu& menu) const {
+    for (QAction* action : menu.actions()) {
+        const QAction* shortcut = m_shortcuts.value(clsPopupMenu::commandNumber(action));
+        if (shortcut && !action->menu() && !action->isSeparator())
+            action->setText(action->text() + u'\t' +
+                            shortcut->shortcut().toString(QKeySequence::NativeText));
+    }
+}
+
+void ctlMainMenu::onTriggered(QAction* action) {
+    const int number = clsPopupMenu::commandNumber(action);
+    if (number <= 0)
+        return;
+    emit MenuClick(m_recent.choose(number) ? int(Recent) : number);
+}
