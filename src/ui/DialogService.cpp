@@ -1,11 +1,15 @@
 #include "DialogService.h"
 
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QQueue>
 
 namespace {
 struct Script {
     QQueue<QMessageBox::StandardButton> answers;
     QList<DialogService::ShownBox> answered;
+    QQueue<QString> files;
+    QList<DialogService::FileRequest> fileRequests;
 };
 
 Script& script() {
@@ -26,6 +30,41 @@ QMessageBox::StandardButton DialogService::messageBox(QWidget* parent, const QSt
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
+QString DialogService::fileDialog(QWidget* parent, const FileRequest& request) {
+    if (!script().files.isEmpty()) {
+        script().fileRequests.append(request);
+        return script().files.dequeue();
+    }
+    QFileDialog dialog(parent, request.title, request.folder, request.filter);
+    const bool save = request.kind == FileRequest::Save;
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setDefaultSuffix(request.defaultSuffix);
+    if (save && !QFileInfo(request.folder).isDir())
+        dialog.selectFile(request.folder);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return QString();
+    return dialog.selectedFiles().first();
+}
+
+QString DialogService::qtFilter(const QString& filter) {
+    const QStringList parts = filter.split(u'|');
+    QStringList entries;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        const QString patterns = QString(parts[i + 1]).replace(u';', u' ');
+        entries << (parts[i].contains(u'(') ? parts[i] : parts[i] + " (" + patterns + u')');
+    }
+    return entries.isEmpty() ? filter : entries.join(QStringLiteral(";;"));
+}
+
+void DialogService::queueFileAnswer(const QString& path) {
+    script().files.enqueue(path);
+}
+
+QList<DialogService::FileRequest> DialogService::answeredFileDialogs() {
+    return script().fileRequests;
+}
+
 void DialogService::queueAnswer(QMessageBox::StandardButton answer) {
     script().answers.enqueue(answer);
 }
@@ -37,4 +76,6 @@ QList<DialogService::ShownBox> DialogService::answeredBoxes() {
 void DialogService::clear() {
     script().answers.clear();
     script().answered.clear();
+    script().files.clear();
+    script().fileRequests.clear();
 }

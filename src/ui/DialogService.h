@@ -6,8 +6,9 @@
 
 class QWidget;
 
-// Every message box of the program goes through here, so tests can answer a
-// box ahead of time and read what it said instead of a window blocking them.
+// Every message box and file dialog of the program goes through here, so tests
+// can answer one ahead of time and read what it said instead of a window
+// blocking them.
 class DialogService {
 public:
     struct ShownBox {
@@ -21,8 +22,24 @@ public:
                                                   QMessageBox::StandardButtons buttons,
                                                   QMessageBox::Icon icon);
 
+    struct FileRequest {
+        enum Kind { Open, Save } kind = Open;
+        QString title;
+        QString folder; // where it starts, with the proposed file name for Save
+        QString filter; // Qt's form: "Messages (*.mms)"
+        QString defaultSuffix;
+    };
+    // A filter of the settings' form, "Description|*.a;*.b|Other|*.c", in Qt's
+    // form, "Description (*.a *.b);;Other (*.c)".
+    static QString qtFilter(const QString& filter);
+    // The chosen file's path, or "" when the user cancelled.
+    static QString fileDialog(QWidget* parent, const FileRequest& request);
+
     // The next box returns this answer at once without being shown.
     static void queueAnswer(QMessageBox::StandardButton answer);
+    // The next file dialog returns this path ("" for a cancel) without being shown.
+    static void queueFileAnswer(const QString& path);
+    static QList<FileRequest> answeredFileDialogs();
     // The boxes answered from the queue, oldest first.
     static QList<ShownBox> answeredBoxes();
     static void clear();
