@@ -1,0 +1,136 @@
+#include "SlidePanel.h"
+
+#include "AppGlobals.h"
+#include "SlidePictureView.h"
+#include "SlideRenderer.h"
+#include "VbFormat.h"
+#include "clsMessage.h"
+#include "ctlSlideTime.h"
+
+#include <QEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+namespace {
+QString seconds(qint64 ms) {
+    return VbFormat::format(double(ms) / 1000.0, "#0.0s");
+}
+} // namespace
+
+SlidePanel::SlidePanel(QWidget* parent)
+    : QWidget(parent), m_picture(new SlidePictureView(this)), txtMessage(new QPlainTextEdit(this)),
+      m_time(new ctlSlideTime(this)), lblText(buddyLabel(txtMessage)),
+      lblSlideTime(buddyLabel(m_time)), lblTime(new QLabel(this)), lblSound(new QLabel(this)),
+      cmdAddNewSlide(new QPushButton(this)), cmdDuplicateSlide(new QPushButton(this)),
+      cmdDeleteSlide(new QPushButton(this)) {
+    txtMessage->setObjectName(QStringLiteral("txtMessage"));
+    txtMessage->setTabChangesFocus(true);
+    txtMessage->setMaximumHeight(fontMetrics().lineSpacing() * 4);
+    lblTime->setObjectName(QStringLiteral("lblTime"));
+    lblSound->setObjectName(QStringLiteral("lblSound"));
+    cmdAddNewSlide->setObjectName(QStringLiteral("cmdAddNewSlide"));
+    cmdDuplicateSlide->setObjectName(QStringLiteral("cmdDuplicateSlide"));
+    cmdDeleteSlide->setObjectName(QStringLiteral("cmdDeleteSlide"));
+    buildLayout();
+    txtMessage->installEventFilter(this);
+    m_time->installEventFilter(this);
+    connect(txtMessage, &QPlainTextEdit::textChanged, this, [this] {
+        if (!m_showing)
+            emit textEdited(txtMessage->toPlainText());
+    });
+    connect(m_time, &ctlSlideTime::durationEdited, this, &SlidePanel::durationEdited);
+    connect(cmdAddNewSlide, &QPushButton::clicked, this, &SlidePanel::addClicked);
+    connect(cmdDuplicateSlide, &QPushButton::clicked, this, &SlidePanel::duplicateClicked);
+    connect(cmdDeleteSlide, &QPushButton::clicked, this, &SlidePanel::deleteClicked);
+    TranslateForm();
+}
+
+QLabel* SlidePanel::buddyLabel(QWidget* buddy) {
+    auto* label = new QLabel(this);
+    label->setBuddy(buddy);
+    return label;
+}
+
+void SlidePanel::buildLayout() {
+    auto* fields = new QGridLayout;
+    fields->addWidget(lblText, 0, 0);
+    fields->addWidget(txtMessage, 0, 1, 1, 3);
+    fields->addWidget(lblSlideTime, 1, 0);
+    fields->addWidget(m_time, 1, 1);
+    fields->addWidget(lblTime, 1, 2);
+    fields->addWidget(lblSound, 1, 3);
+    fields->setColumnStretch(3, 1);
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdAddNewSlide);
+    buttons->addWidget(cmdDuplicateSlide);
+    buttons->addWidget(cmdDeleteSlide);
+    buttons->addStretch();
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_picture, 1);
+    layout->addLayout(fields);
+    layout->addLayout(buttons);
+}
+
+void SlidePanel::TranslateForm() {
+    const QString text = AppGlobals::text("STR_TEXT_TITLE", "Text");
+    lblText->setText(u'&' + text);
+    txtMessage->setAccessibleName(text);
+    lblSlideTime->setText(u'&' + AppGlobals::text("STR_SLIDE_TIME", "Slide time"));
+    m_time->TranslateControl();
+    cmdAddNewSlide->setText(AppGlobals::text("MNU_SLIDE_ADD", "Add slide"));
+    cmdDuplicateSlide->setText(AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate"));
+    cmdDeleteSlide->setText(AppGlobals::text("BTN_DELETE", "Delete"));
+    m_picture->setEmptyText(AppGlobals::text("STR_CLICK_TO_ADD", "Pick a picture on the right."));
+    lblTime->setAccessibleName(AppGlobals::text("STR_TOTAL_TIME", "Total time"));
+    lblSound->setAccessibleName(AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
+}
+
+void SlidePanel::showSlide(const clsMessage* message, int slide) {
+    m_showing = true;
+    if (!message || slide < 1 || slide > message->Slides().Count()) {
+        m_picture->setPicture(QImage());
+        txtMessage->clear();
+        lblSound->clear();
+        m_showing = false;
+        return;
+    }
+    const clsSlide& shown = message->Slides().Item(slide);
+    const bool drawn = shown.DrawObjects().Count() > 0 ||
+                       shown.DrawObjects().BackType() != clsDrawObjects::BackColorOnly;
+    m_picture->setPicture(!shown.image().isNull() ? shown.image()
+                          : drawn
+                              ? SlideRenderer(message->Path(), SlideRenderer::surfaceFromSettings())
+                                    .render(shown.DrawObjects())
+                              : QImage());
+    QString text = shown.Text();
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    if (txtMessage->toPlainText() != text)
+        txtMessage->setPlainText(text);
+    m_time->setDuration(shown.Duration());
+    lblSound->setText(shown.Sound().isEmpty()
+                          ? QString()
+                          : shown.SoundName() + " - " + seconds(shown.SoundDuration()));
+    m_showing = false;
+}
+
+void SlidePanel::showTotal(qint64 ms) {
+    lblTime->setText(seconds(ms));
+}
+
+void SlidePanel::setTimeFormat(const QString& format) {
+    m_time->setTimeFormat(format);
+}
+
+void SlidePanel::setSlideButtonsEnabled(bool enabled) {
+    for (QPushButton* button : {cmdAddNewSlide, cmdDuplicateSlide, cmdDeleteSlide})
+        button->setEnabled(enabled);
+}
+
+bool SlidePanel::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusOut && (watched == txtMessage || watched == m_time))
+        emit fieldLeft();
+    return QWidget::eventFilter(watched, event);
+}

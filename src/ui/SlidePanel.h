@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QPlainTextEdit;
+class QPushButton;
+class SlidePictureView;
+class clsMessage;
+class ctlSlideTime;
+
+// The current slide in the middle of the window: its picture, the text box
+// for its text message (txtMessage), its time, the message's total time, its
+// sound, and the buttons to add, duplicate and delete slides.
+class SlidePanel : public QWidget {
+    Q_OBJECT
+public:
+    explicit SlidePanel(QWidget* parent = nullptr);
+
+    void TranslateForm();
+    // Shows slide (1-based) of message; nothing for none.
+    void showSlide(const clsMessage* message, int slide);
+    void showTotal(qint64 ms);
+    void setTimeFormat(const QString& format);
+    void setSlideButtonsEnabled(bool enabled);
+    QPlainTextEdit* textBox() const { return txtMessage; }
+    ctlSlideTime* timeField() const { return m_time; }
+    SlidePictureView* pictureView() const { return m_picture; }
+
+signals:
+    void textEdited(const QString& text);
+    void durationEdited(qint64 ms);
+    // The user left the text box or the time field: typing there is one step.
+    void fieldLeft();
+    void addClicked();
+    void duplicateClicked();
+    void deleteClicked();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void buildLayout();
+    QLabel* buddyLabel(QWidget* buddy);
+
+    SlidePictureView* m_picture;
+    QPlainTextEdit* txtMessage;
+    ctlSlideTime* m_time;
+    QLabel* lblText;
+    QLabel* lblSlideTime;
+    QLabel* lblTime;
+    QLabel* lblSound;
+    QPushButton* cmdAddNewSlide;
+    QPushButton* cmdDuplicateSlide;
+    QPushButton* cmdDeleteSlide;
+    bool m_showing = false;
+};
