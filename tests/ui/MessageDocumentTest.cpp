@@ -11,7 +11,10 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QSignalSpy>
+#include <algorithm>
 #include <random>
+#include <set>
+#include <vector>
 
 // The open message with its edit history, driven the way the window drives it.
 class MessageDocumentTest : public TempDataHome {
@@ -79,13 +82,16 @@ protected:
         EXPECT_LE(m_document.currentSlide(), m_document.slideCount());
     }
 
-    void randomEdit(std::mt19937& random) {
+    static constexpr int kEditKinds = 12;
+
+    // Edit number kind, with random arguments.
+    void randomEdit(int kind, std::mt19937& random) {
         auto pick = [&random](int low, int high) {
             return std::uniform_int_distribution<int>(low, high)(random);
         };
         const int count = m_document.slideCount();
         const int current = m_document.currentSlide();
-        switch (pick(0, 12)) {
+        switch (kind) {
         case 0:
             m_document.appendSlide();
             break;
@@ -119,11 +125,8 @@ protected:
         case 10:
             m_document.deleteSlideText();
             break;
-        case 11:
-            m_document.deleteSlideSound();
-            break;
         default:
-            m_document.setCurrentSlide(pick(1, count));
+            m_document.deleteSlideSound();
             break;
         }
         m_document.endFieldVisit();
@@ -135,21 +138,41 @@ protected:
 
 TEST_F(MessageDocumentTest, RandomEditsUndoAndRedoByteForByte) {
     openSample();
-    struct State {
+    // The message after each step, the slide that was current when the step
+    // was made (undo goes back there) and the one it left current.
+    struct Step {
         QByteArray xml;
-        int current;
+        int currentBefore;
+        int currentAfter;
     };
-    QList<State> states{{xml(), m_document.currentSlide()}};
+    QList<Step> states{{xml(), 0, m_document.currentSlide()}};
     QUndoStack& history = m_document.undoStack();
     std::mt19937 random(20051114);
-    // Commands that change nothing (removing a text that is not there) are no step.
+    // Every kind of edit in a shuffled deck, dealt again when it runs out.
+    // Commands that change nothing (removing a text that is not there) and
+    // moving between slides are no step.
+    std::vector<int> deck;
+    std::set<int> kindsRecorded;
     for (int tries = 0; history.count() < 30 && tries < 1000; ++tries) {
+        if (deck.empty()) {
+            for (int kind = 0; kind < kEditKinds; ++kind)
+                deck.push_back(kind);
+            std::shuffle(deck.begin(), deck.end(), random);
+        }
+        const int kind = deck.back();
+        deck.pop_back();
+        if (random() % 3 == 0)
+            m_document.setCurrentSlide(int(random() % unsigned(m_document.slideCount())) + 1);
         const int before = history.count();
-        randomEdit(random);
-        if (history.count() > before)
-            states.append({xml(), m_document.currentSlide()});
+        const int current = m_document.currentSlide();
+        randomEdit(kind, random);
+        if (history.count() > before) {
+            states.append({xml(), current, m_document.currentSlide()});
+            kindsRecorded.insert(kind);
+        }
         expectConsistent();
     }
+    EXPECT_EQ(int(kindsRecorded.size()), kEditKinds) << "every command made a step";
     ASSERT_EQ(history.count(), 30);
     ASSERT_EQ(states.size(), 31);
     EXPECT_NE(states.first().xml, states.last().xml);
@@ -157,7 +180,7 @@ TEST_F(MessageDocumentTest, RandomEditsUndoAndRedoByteForByte) {
     for (int step = 29; step >= 0; --step) {
         history.undo();
         ASSERT_EQ(xml(), states[step].xml) << "undo to step " << step;
-        EXPECT_EQ(m_document.currentSlide(), states[step].current);
+        EXPECT_EQ(m_document.currentSlide(), states[step + 1].currentBefore);
         expectConsistent();
     }
     EXPECT_FALSE(history.canUndo());
@@ -165,7 +188,7 @@ TEST_F(MessageDocumentTest, RandomEditsUndoAndRedoByteForByte) {
     for (int step = 1; step <= 30; ++step) {
         history.redo();
         ASSERT_EQ(xml(), states[step].xml) << "redo to step " << step;
-        EXPECT_EQ(m_document.currentSlide(), states[step].current);
+        EXPECT_EQ(m_document.currentSlide(), states[step].currentAfter);
     }
     expectConsistent();
 }
