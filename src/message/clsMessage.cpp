@@ -5,6 +5,7 @@
 #include "PlainFileName.h"
 
 #include <QDir>
+#include <sstream>
 
 namespace {
 using A = DomAttributes;
@@ -35,6 +36,31 @@ void clsMessage::Initialize(const QString& xmlPath, const QString& name,
         A::cleanTree(m_document);
     else
         startSkeleton();
+    attachDocument(name);
+    m_changed = true;
+}
+
+bool clsMessage::ReplaceDocument(const QByteArray& xml) {
+    // A text that is alone in its element (the file list) may be only blanks.
+    constexpr unsigned kOptions =
+        pugi::parse_default | pugi::parse_declaration | pugi::parse_ws_pcdata_single;
+    pugi::xml_document parsed;
+    if (!parsed.load_buffer(xml.constData(), size_t(xml.size()), kOptions, pugi::encoding_utf8) ||
+        !parsed.child("ROOT"))
+        return false;
+    m_document.reset(parsed);
+    attachDocument(QString());
+    m_changed = true;
+    return true;
+}
+
+QByteArray clsMessage::DocumentXml() const {
+    std::ostringstream out;
+    m_document.save(out, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
+    return QByteArray::fromStdString(out.str());
+}
+
+void clsMessage::attachDocument(const QString& name) {
     m_root = m_document.child("ROOT");
     m_message = m_root.child("MESSAGE");
     if (!m_message) {
@@ -45,7 +71,6 @@ void clsMessage::Initialize(const QString& xmlPath, const QString& name,
         m_slides.Initialize(A::child(m_message, "SLIDES"));
         m_slides.LoadXmlNodes();
     }
-    m_changed = true;
 }
 
 void clsMessage::startSkeleton() {

@@ -25,6 +25,14 @@ public:
     // starts the empty skeleton. workFolder ends with "/".
     void Initialize(const QString& xmlPath, const QString& name, const QString& workFolder);
 
+    // Takes xml (a document as this class writes it) in place of the current
+    // document and rewraps the slides; false, with nothing changed, when it
+    // cannot be parsed or has no ROOT. In-memory pictures are dropped.
+    bool ReplaceDocument(const QByteArray& xml);
+    // The document as UTF-8 without indentation, so that ReplaceDocument of it
+    // gives the same bytes back.
+    QByteArray DocumentXml() const;
+
     // Whether Initialize read a message XML (rather than starting the skeleton).
     bool wasLoaded() const { return m_loaded; }
     pugi::xml_document& DOMParent() { return m_document; }
@@ -65,6 +73,9 @@ public:
 
 private:
     void startSkeleton();
+    // Finds ROOT and MESSAGE (creating MESSAGE named name when missing) and
+    // wraps the slides.
+    void attachDocument(const QString& name);
     QString copyMedia(const QString& prefix, const QString& fileName);
     bool writeSlideFile(const clsSlide& slide);
     void removeSlideFiles();

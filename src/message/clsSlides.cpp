@@ -27,6 +27,21 @@ void clsSlides::Remove(int index) {
     renumber();
 }
 
+void clsSlides::Move(int from, int to) {
+    if (from == to)
+        return;
+    const pugi::xml_node moving = Item(from).DOMElement();
+    const pugi::xml_node anchor = Item(to).DOMElement();
+    if (from < to)
+        m_element.insert_move_after(moving, anchor);
+    else
+        m_element.insert_move_before(moving, anchor);
+    auto slide = std::move(m_slides[size_t(from - 1)]);
+    m_slides.erase(m_slides.begin() + (from - 1));
+    m_slides.insert(m_slides.begin() + (to - 1), std::move(slide));
+    renumber();
+}
+
 clsSlide& clsSlides::Add() {
     return insert(Count() + 1, {}, clsSlide::Placement::Append);
 }

@@ -25,6 +25,9 @@ public:
     const clsSlide& Item(int index) const;
     int Count() const { return int(m_slides.size()); }
     void Remove(int index);
+    // Takes slide from out of the list and puts it at position to, then
+    // renumbers; the slide keeps its contents and its in-memory picture.
+    void Move(int from, int to);
     clsSlide& Add();
     clsSlide& AddBefore(int index);
     clsSlide& AddAfter(int index);
