@@ -96,6 +96,7 @@ void modMain::runSteps(const QStringList& arguments) {
         QObject::connect(state().instance, &SingleInstance::activationRequested,
                          state().mainWindow.get(), &frmMain::bringToFront);
     state().mainWindow->show();
+    state().mainWindow->openCommandLine(AppGlobals::commandLine());
 
     showSplash(settings);
 }

@@ -2,59 +2,205 @@
 
 #include "AppGlobals.h"
 #include "DialogService.h"
+#include "EventPump.h"
+#include "FileCommands.h"
+#include "MessageDocument.h"
+#include "SlideCommands.h"
+#include "SlidePanel.h"
+#include "VbFormat.h"
+#include "clsPropertiesXML.h"
+#include "clsXMLocalizer.h"
+#include "ctlMainMenu.h"
+#include "ctlSlideThumbs.h"
 #include "frmHelp.h"
 
-#include "clsXMLocalizer.h"
-#include <QAction>
 #include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
 #include <QFileInfo>
 #include <QLabel>
-#include <QMenuBar>
+#include <QProgressBar>
+#include <QScreen>
+#include <QStatusBar>
+#include <QUndoStack>
 
-frmMain::frmMain(QWidget* parent) : QMainWindow(parent) {
+namespace {
+// Commands whose windows are not built yet: shown, but not offered.
+const int kNotYetOffered[] = {ctlMainMenu::Import,         ctlMainMenu::Export,
+                              ctlMainMenu::Info,           ctlMainMenu::Settings,
+                              ctlMainMenu::Background,     ctlMainMenu::Preview,
+                              ctlMainMenu::DownloadPicture};
+
+QString text(const char* key, const char* fallback) {
+    return AppGlobals::text(key, fallback);
+}
+} // namespace
+
+frmMain::frmMain(QWidget* parent)
+    : QMainWindow(parent), m_document(nullptr), m_menu(new ctlMainMenu(this)),
+      m_thumbs(new ctlSlideThumbs), m_panel(new SlidePanel), m_slides(nullptr), m_files(nullptr),
+      m_status(new QLabel), m_progress(new QProgressBar) {
     setObjectName("frmMain");
-    buildMenus();
-    lblWelcome = new QLabel(this);
-    lblWelcome->setObjectName("lblWelcome");
-    lblWelcome->setAlignment(Qt::AlignCenter);
-    lblWelcome->setWordWrap(true);
-    setCentralWidget(lblWelcome);
-    resize(800, 600);
+    m_manager.InitializeFromSettings();
+    m_document = new MessageDocument(m_manager, this);
+    m_slides = new SlideCommands(*m_document, this);
+    m_files = new FileCommands(*m_document, m_menu->recentFiles(), this);
+    buildWindow();
+    connectDocument();
+    connectControls();
+    TimerExitWait.setSingleShot(true);
+    TimerExitWait.setInterval(0);
+    connect(&TimerExitWait, &QTimer::timeout, this, &QWidget::close);
+    if (clsPropertiesXML* settings = AppGlobals::settings())
+        m_menu->recentFiles().load(*settings);
+    m_panel->setTimeFormat(AppGlobals::setting("preferences", "MMSTimeFormat", "ms"));
+    restorePosition();
     TranslateForm();
+    m_document->newMessage();
 }
 
-void frmMain::buildMenus() {
-    mnuFile = menuBar()->addMenu(QString());
-    mnuFile->setObjectName("mnuFile");
-    mnuFileExit = mnuFile->addAction(QString(), this, &QWidget::close);
-    mnuFileExit->setObjectName("mnuFileExit");
-    mnuFileExit->setShortcut(QKeySequence::Quit);
+frmMain::~frmMain() = default;
 
-    mnuHelp = menuBar()->addMenu(QString());
-    mnuHelp->setObjectName("mnuHelp");
-    mnuHelpContents = mnuHelp->addAction(QString(), this, &frmMain::showHelp);
-    mnuHelpContents->setObjectName("mnuHelpContents");
-    mnuHelpContents->setShortcut(QKeySequence::HelpContents);
-    mnuHelpAbout = mnuHelp->addAction(QString(), this, &frmMain::showAbout);
-    mnuHelpAbout->setObjectName("mnuHelpAbout");
+void frmMain::buildWindow() {
+    setMenuBar(m_menu);
+    m_menu->installShortcuts(this);
+    for (const int number : kNotYetOffered)
+        m_menu->MenuItemEnabled(number, false);
+    auto* strip = new QDockWidget(this);
+    strip->setObjectName("dockSlides");
+    strip->setWidget(m_thumbs);
+    strip->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    m_thumbs->setMinimumWidth(150);
+    addDockWidget(Qt::LeftDockWidgetArea, strip);
+    setCentralWidget(m_panel);
+    m_progress->setMaximumWidth(200);
+    m_progress->hide();
+    statusBar()->addWidget(m_status, 1);
+    statusBar()->addPermanentWidget(m_progress);
 }
 
-void frmMain::setMessageFileName(const QString& fileName) {
-    m_messageFileName = fileName;
-    setWindowTitle(windowCaption());
+void frmMain::connectDocument() {
+    connect(m_document, &MessageDocument::slidesChanged, this, &frmMain::onSlidesChanged);
+    connect(m_document, &MessageDocument::currentSlideChanged, this,
+            &frmMain::onCurrentSlideChanged);
+    QUndoStack& history = m_document->undoStack();
+    auto followHistory = [this, &history] {
+        m_menu->MenuItemEnabled(ctlMainMenu::Undo, history.canUndo());
+        m_menu->MenuItemEnabled(ctlMainMenu::Redo, history.canRedo());
+    };
+    connect(&history, &QUndoStack::canUndoChanged, this, followHistory);
+    connect(&history, &QUndoStack::canRedoChanged, this, followHistory);
+    followHistory();
+    connect(&m_manager, &clsMMSManager::ProsessingSlide, this, &frmMain::showProgress);
+    connect(m_files, &FileCommands::fileNameChanged, this,
+            [this] { setWindowTitle(windowCaption()); });
+}
+
+void frmMain::connectControls() {
+    connect(m_menu, &ctlMainMenu::MenuClick, this, &frmMain::onMenuClick);
+    connect(m_thumbs, &ctlSlideThumbs::slideSelected, m_document,
+            &MessageDocument::setCurrentSlide);
+    connect(m_thumbs, &ctlSlideThumbs::menuCommand, m_slides, &SlideCommands::runStripCommand);
+    connect(m_thumbs, &ctlSlideThumbs::moveRequested, m_document, &MessageDocument::moveSlide);
+    connect(m_slides, &SlideCommands::appendedAtEnd, m_thumbs, &ctlSlideThumbs::ScrollToEnd);
+    connect(m_panel, &SlidePanel::textEdited, m_document, &MessageDocument::setSlideText);
+    connect(m_panel, &SlidePanel::durationEdited, m_document, &MessageDocument::setSlideDuration);
+    connect(m_panel, &SlidePanel::fieldLeft, m_document, &MessageDocument::endFieldVisit);
+    connect(m_panel, &SlidePanel::addClicked, m_slides, &SlideCommands::add);
+    connect(m_panel, &SlidePanel::duplicateClicked, this,
+            [this] { m_slides->duplicateAfter(m_document->currentSlide()); });
+    connect(m_panel, &SlidePanel::deleteClicked, this,
+            [this] { m_slides->deleteSlide(m_document->currentSlide()); });
+}
+
+void frmMain::onMenuClick(int number) {
+    if (m_slides->runMenuCommand(number))
+        return;
+    switch (number) {
+    case ctlMainMenu::New:
+        m_files->newMessage();
+        break;
+    case ctlMainMenu::Open:
+        m_files->openDialog();
+        break;
+    case ctlMainMenu::Save:
+        m_files->save();
+        break;
+    case ctlMainMenu::SaveAs:
+        m_files->saveAs();
+        break;
+    case ctlMainMenu::Recent:
+        m_files->openRecent(m_menu->GetRecentSelectedFile());
+        break;
+    case ctlMainMenu::Exit:
+        requestExit();
+        break;
+    case ctlMainMenu::Help:
+        showHelp();
+        break;
+    case ctlMainMenu::About:
+        showAbout();
+        break;
+    case ctlMainMenu::Undo:
+        m_document->undoStack().undo();
+        break;
+    case ctlMainMenu::Redo:
+        m_document->undoStack().redo();
+        break;
+    default:
+        break;
+    }
+}
+
+void frmMain::onSlidesChanged() {
+    m_thumbs->DrawThumbs(m_document->message());
+    onCurrentSlideChanged(m_document->currentSlide());
+}
+
+void frmMain::onCurrentSlideChanged(int slide) {
+    m_thumbs->SelectSlide(slide);
+    m_panel->showSlide(m_document->message(), slide);
+    qint64 total = 0;
+    if (const clsMessage* message = m_document->message())
+        for (const auto& each : message->Slides())
+            total += each->Duration();
+    m_panel->showTotal(total);
+    showStatus();
+}
+
+void frmMain::showStatus() {
+    m_status->setText(AppGlobals::text(
+        "STR_SLIDE_OF", "Slide %0 of %1",
+        {QString::number(m_document->currentSlide()), QString::number(m_document->slideCount())}));
+}
+
+// Opening and saving report each slide. Only the progress bar is painted at
+// once: running the event loop here would paint the strip from a message the
+// manager is just replacing.
+void frmMain::showProgress(int slide, int count) {
+    m_progress->setVisible(slide < count);
+    m_progress->setRange(0, std::max(count, 1));
+    m_progress->setValue(slide);
+    m_progress->setFormat(AppGlobals::text("STR_SLIDE_OF", "Slide %0 of %1",
+                                           {QString::number(slide), QString::number(count)}));
+    if (m_progress->isVisible())
+        m_progress->repaint();
 }
 
 QString frmMain::windowCaption() const {
-    const QString name = m_messageFileName.isEmpty()
-                             ? AppGlobals::text("STR_UNTITLED", "Untitled") + ".mms"
-                             : QFileInfo(m_messageFileName).fileName();
-    return name + " -" + applicationTitle();
+    return m_files->windowCaption();
 }
 
 void frmMain::TranslateForm() {
     if (clsXMLocalizer* localizer = AppGlobals::localizer())
         localizer->TranslateForm(this);
+    m_menu->TranslateControl();
+    m_thumbs->TranslateControl();
+    m_panel->TranslateForm();
+    if (auto* strip = findChild<QDockWidget*>("dockSlides"))
+        strip->setWindowTitle(text("STR_SLIDES", "Slides"));
     setWindowTitle(windowCaption());
+    showStatus();
 }
 
 void frmMain::bringToFront() {
@@ -63,24 +209,79 @@ void frmMain::bringToFront() {
     activateWindow();
 }
 
+void frmMain::openCommandLine(const QString& commandLine) {
+    const QString file = fileFromCommandLine(commandLine);
+    if (!file.isEmpty())
+        m_files->open(QFileInfo(file).absoluteFilePath());
+}
+
+QString frmMain::fileFromCommandLine(const QString& commandLine) {
+    const QString line = commandLine.trimmed();
+    if (line.startsWith(u'"'))
+        return line.mid(1).section(u'"', 0, 0);
+    return line.section(u' ', 0, 0);
+}
+
+void frmMain::requestExit() {
+    if (!m_files->mayExit())
+        return;
+    m_exitDecided = true;
+    // The decision returns to the menu before the window goes.
+    TimerExitWait.start();
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    if (!m_exitDecided && !m_files->mayExit()) {
+        event->ignore();
+        return;
+    }
+    m_exitDecided = true;
+    keepSettings();
+    event->accept();
+}
+
+void frmMain::restorePosition() {
+    resize(960, 640);
+    const QStringList position =
+        AppGlobals::setting("preferences", "MainPosition", "-1;-1").split(u';');
+    const QPoint topLeft(position.value(0).toInt(), position.value(1).toInt());
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (topLeft.x() > 0 && topLeft.y() > 0 && screen &&
+        screen->availableGeometry().contains(QRect(topLeft, size())))
+        move(topLeft);
+    else if (screen)
+        move(screen->availableGeometry().center() - rect().center());
+}
+
+void frmMain::keepSettings() {
+    clsPropertiesXML* settings = AppGlobals::settings();
+    if (!settings)
+        return;
+    settings->SetProp("preferences", "MainPosition",
+                      QString::number(x()) + u';' + QString::number(y()));
+    m_menu->recentFiles().save(*settings);
+    settings->SaveXmlFile();
+}
+
 void frmMain::showHelp() {
     const QString file = AppGlobals::helpFile();
     if (file.isEmpty() || !QFileInfo::exists(file)) {
-        const QString text = AppGlobals::localizer()
-                                 ? AppGlobals::localizer()->GetStringPar("STR_HELP_MISSING", {file})
-                                 : QString();
-        DialogService::messageBox(this, text.isEmpty() ? file : text,
-                                  AppGlobals::text("APP_PRODUCTNAME", applicationTitle()),
-                                  QMessageBox::Ok, QMessageBox::Information);
+        const QString message =
+            AppGlobals::localizer()
+                ? AppGlobals::localizer()->GetStringPar("STR_HELP_MISSING", {file})
+                : QString();
+        DialogService::messageBox(this, message.isEmpty() ? file : message,
+                                  text("APP_PRODUCTNAME", "Vellumo"), QMessageBox::Ok,
+                                  QMessageBox::Information);
         return;
     }
     frmHelp::showFile(file, this);
 }
 
 void frmMain::showAbout() {
-    const QString version = QApplication::applicationVersion();
-    DialogService::messageBox(
-        this, applicationTitle() + AppGlobals::text("STR_ABOUT_VERSION", " version: ") + version,
-        AppGlobals::text("APP_PRODUCTNAME", applicationTitle()), QMessageBox::Ok,
-        QMessageBox::Information);
+    DialogService::messageBox(this,
+                              applicationTitle() + text("STR_ABOUT_VERSION", " version: ") +
+                                  QApplication::applicationVersion(),
+                              text("APP_PRODUCTNAME", "Vellumo"), QMessageBox::Ok,
+                              QMessageBox::Information);
 }

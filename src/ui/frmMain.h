@@ -1,40 +1,74 @@
 #pragma once
 
+#include "clsMMSManager.h"
+
 #include <QMainWindow>
 #include <QString>
+#include <QTimer>
 
-class QAction;
+class FileCommands;
+class MessageDocument;
 class QLabel;
-class QMenu;
+class QProgressBar;
+class SlideCommands;
+class SlidePanel;
+class ctlMainMenu;
+class ctlSlideThumbs;
 
-// The composer's main window. For now a shell: title, menus for leaving the
-// program and for help, and bringing itself forward when another copy asks.
+// The composer's main window. It composes the menu bar, the slide strip, the
+// slide panel and the status bar around one MessageDocument, and hands every
+// command to the group of commands that owns it; it holds no editing logic.
 class frmMain : public QMainWindow {
     Q_OBJECT
 public:
     explicit frmMain(QWidget* parent = nullptr);
+    ~frmMain() override;
 
-    // The message file shown in the title; empty for a message never saved.
-    void setMessageFileName(const QString& fileName);
-    QString messageFileName() const { return m_messageFileName; }
     // The file name or "Untitled.mms", then " -" and the application title.
     QString windowCaption() const;
-
     void TranslateForm();
     void bringToFront();
+    // Opens the message file the command line names; a new message otherwise.
+    void openCommandLine(const QString& commandLine);
+    // The first argument of a kept command line, quotes taken off.
+    static QString fileFromCommandLine(const QString& commandLine);
+
+    MessageDocument& document() const { return *m_document; }
+    clsMMSManager& manager() { return m_manager; }
+    ctlMainMenu* mainMenu() const { return m_menu; }
+    ctlSlideThumbs* slideStrip() const { return m_thumbs; }
+    SlidePanel* slidePanel() const { return m_panel; }
+    FileCommands* fileCommands() const { return m_files; }
 
     static QString applicationTitle() { return QStringLiteral("Vellumo"); }
 
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
 private:
-    void buildMenus();
+    void buildWindow();
+    void connectDocument();
+    void connectControls();
+    void onMenuClick(int number);
+    void onSlidesChanged();
+    void onCurrentSlideChanged(int slide);
+    void showStatus();
+    void showProgress(int slide, int count);
+    void restorePosition();
+    void keepSettings();
+    void requestExit();
     void showHelp();
     void showAbout();
 
-    QString m_messageFileName;
-    QMenu* mnuFile = nullptr;
-    QMenu* mnuHelp = nullptr;
-    QAction* mnuFileExit = nullptr;
-    QAction* mnuHelpContents = nullptr;
-    QAction* mnuHelpAbout = nullptr;
-    QLabel* lblWelcome = nullptr;
+    clsMMSManager m_manager;
+    MessageDocument* m_document;
+    ctlMainMenu* m_menu;
+    ctlSlideThumbs* m_thumbs;
+    SlidePanel* m_panel;
+    SlideCommands* m_slides;
+    FileCommands* m_files;
+    QLabel* m_status;
+    QProgressBar* m_progress;
+    QTimer TimerExitWait;
+    bool m_exitDecided = false;
 };

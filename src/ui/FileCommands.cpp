@@ -1,0 +1,134 @@
+#include "FileCommands.h"
+
+#include "AppGlobals.h"
+#include "DialogService.h"
+#include "MessageDocument.h"
+#include "RecentFilesList.h"
+
+#include <QFileInfo>
+
+namespace {
+const QString kTitle = QStringLiteral("Vellumo");
+} // namespace
+
+FileCommands::FileCommands(MessageDocument& document, RecentFilesList& recent, QWidget* window)
+    : QObject(window), m_document(document), m_recent(recent), m_window(window) {}
+
+QString FileCommands::text(const char* key, const char* fallback) const {
+    return AppGlobals::text(key, fallback);
+}
+
+QString FileCommands::windowCaption() const {
+    const QString name = m_fileName.isEmpty() ? text("STR_UNTITLED", "Untitled") + ".mms"
+                                              : QFileInfo(m_fileName).fileName();
+    return name + " -" + kTitle;
+}
+
+bool FileCommands::newMessage() {
+    if (!changesHandled())
+        return false;
+    m_document.newMessage();
+    setFileName(QString());
+    return true;
+}
+
+bool FileCommands::openDialog() {
+    if (!changesHandled())
+        return false;
+    DialogService::FileRequest request;
+    request.title = text("STR_DLGMSG_OPEN", "Open message");
+    request.folder = startFolder();
+    request.filter = DialogService::qtFilter(text("STR_BFILTER_VELLUMO", "Messages|*.mms"));
+    request.defaultSuffix = QStringLiteral("mms");
+    const QString path = DialogService::fileDialog(m_window, request);
+    return !path.isEmpty() && open(path);
+}
+
+bool FileCommands::open(const QString& path) {
+    if (m_document.openMessage(path)) {
+        setFileName(path);
+        m_recent.AddToRecentFilesList(path);
+        emit recentFilesChanged();
+        return true;
+    }
+    m_recent.RemoveFromRecentFilesList(path);
+    emit recentFilesChanged();
+    DialogService::messageBox(m_window, text("STR_OPEN_MSG_ERROR", "The message cannot be opened."),
+                              text("APP_PRODUCTNAME", "Vellumo"), QMessageBox::Ok,
+                              QMessageBox::Warning);
+    // The window never stays without a message.
+    m_document.newMessage();
+    setFileName(QString());
+    return false;
+}
+
+bool FileCommands::openRecent(const QString& path) {
+    return !path.isEmpty() && changesHandled() && open(path);
+}
+
+bool FileCommands::save() {
+    return m_fileName.isEmpty() ? saveAs() : saveTo(m_fileName);
+}
+
+bool FileCommands::saveAs() {
+    DialogService::FileRequest request;
+    request.kind = DialogService::FileRequest::Save;
+    request.title = text("STR_DLGMSG_SAVEAS", "Save message as");
+    request.folder = startFolder() + u'/' +
+                     (m_fileName.isEmpty() ? text("STR_UNTITLED", "Untitled")
+                                           : QFileInfo(m_fileName).completeBaseName());
+    request.filter = DialogService::qtFilter(text("STR_BFILTER_VELLUMO", "Messages|*.mms"));
+    request.defaultSuffix = QStringLiteral("mms");
+    const QString path = DialogService::fileDialog(m_window, request);
+    return !path.isEmpty() && saveTo(path);
+}
+
+bool FileCommands::saveTo(const QString& path) {
+    if (!m_document.saveMessage(path)) {
+        DialogService::messageBox(
+            m_window, text("STR_SAVE_MSG_ERROR", "The message cannot be saved."),
+            text("STR_ERROR", "Error"), QMessageBox::Ok, QMessageBox::Critical);
+        return false;
+    }
+    setFileName(path);
+    m_recent.AddToRecentFilesList(path);
+    emit recentFilesChanged();
+    return true;
+}
+
+bool FileCommands::mayExit() {
+    if (!m_document.isModified())
+        return DialogService::messageBox(m_window, text("ASK_EXIT", "Do you want to exit?"),
+                                         text("APP_PRODUCTNAME", "Vellumo"),
+                                         QMessageBox::Yes | QMessageBox::No,
+                                         QMessageBox::Question) == QMessageBox::Yes;
+    const auto answer = DialogService::messageBox(
+        m_window, text("ASK_SAVECHANGES", "Save the changes before you exit?"),
+        text("APP_PRODUCTNAME", "Vellumo"),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Question);
+    if (answer == QMessageBox::Yes)
+        return !m_document.message() || save();
+    return answer == QMessageBox::No;
+}
+
+bool FileCommands::changesHandled() {
+    if (!m_document.isModified())
+        return true;
+    const auto answer = DialogService::messageBox(
+        m_window, text("STR_SAVE_MSG", "Save the changes?"), text("BTN_SAVE", "Save"),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Question);
+    if (answer == QMessageBox::Yes)
+        return save();
+    return answer == QMessageBox::No;
+}
+
+void FileCommands::setFileName(const QString& path) {
+    m_fileName = path;
+    emit fileNameChanged();
+}
+
+QString FileCommands::startFolder() const {
+    if (!m_fileName.isEmpty())
+        return QFileInfo(m_fileName).absolutePath();
+    return AppGlobals::setting("preferences", "SaveMessagePath", QString());
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+class MessageDocument;
+class RecentFilesList;
+class QWidget;
+
+// New, Open, Save, Save as and Exit with their questions: unsaved changes are
+// never lost without the user saying so, a failed open ends in a new untitled
+// message, and a failed save keeps the file and the modified flag as they were.
+class FileCommands : public QObject {
+    Q_OBJECT
+public:
+    FileCommands(MessageDocument& document, RecentFilesList& recent, QWidget* window);
+
+    // The message file's path; "" for a message never saved.
+    QString fileName() const { return m_fileName; }
+    // The file name or "Untitled.mms", then " -" and the program's title.
+    QString windowCaption() const;
+
+    bool newMessage();
+    bool openDialog();
+    // Opens path as the user asked for it (the command line, a recent file).
+    bool open(const QString& path);
+    // A file of the recent list: asked about unsaved changes first.
+    bool openRecent(const QString& path);
+    bool save();
+    bool saveAs();
+    // True when the program may end: asked, and saved if the user wanted.
+    bool mayExit();
+
+signals:
+    void fileNameChanged();
+    void recentFilesChanged();
+
+private:
+    // Asks about unsaved changes; true when the action may go on.
+    bool changesHandled();
+    bool saveTo(const QString& path);
+    void setFileName(const QString& path);
+    QString startFolder() const;
+    QString text(const char* key, const char* fallback) const;
+
+    MessageDocument& m_document;
+    RecentFilesList& m_recent;
+    QWidget* m_window;
+    QString m_fileName;
+};
