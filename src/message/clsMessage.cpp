@@ -41,9 +41,10 @@ void clsMessage::Initialize(const QString& xmlPath, const QString& name,
 }
 
 bool clsMessage::ReplaceDocument(const QByteArray& xml) {
-    // A text that is alone in its element (the file list) may be only blanks.
-    constexpr unsigned kOptions =
-        pugi::parse_default | pugi::parse_declaration | pugi::parse_ws_pcdata_single;
+    // DocumentXml leaves line ends in element text as they are, so they are read
+    // as they are; and a text alone in its element (the file list) may be blanks.
+    constexpr unsigned kOptions = (pugi::parse_default & ~pugi::parse_eol) |
+                                  pugi::parse_declaration | pugi::parse_ws_pcdata_single;
     pugi::xml_document parsed;
     if (!parsed.load_buffer(xml.constData(), size_t(xml.size()), kOptions, pugi::encoding_utf8) ||
         !parsed.child("ROOT"))

@@ -59,10 +59,9 @@ void MessageDocument::startHistory() {
 void MessageDocument::setCurrentSlide(int index) {
     if (!hasSlide(index) || index == m_current)
         return;
-    const int previous = m_current;
     m_current = index;
     endFieldVisit();
-    announce(previous);
+    emit currentSlideChanged(m_current);
 }
 
 void MessageDocument::announce(int previousSlide) {

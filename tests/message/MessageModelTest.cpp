@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QImage>
 
 class MessageModelTest : public TempDataHome {
 protected:
@@ -62,6 +63,47 @@ TEST_F(MessageModelTest, InsertingAndRemovingRenumbersAndRenamesSlidePictures) {
     EXPECT_EQ(slides.Item(1).index(), 1);
     EXPECT_EQ(slides.Item(5).GetImageAttribute("url"), "Slide_5");
     EXPECT_EQ(slides.Item(5).Duration(), 3000);
+}
+
+TEST_F(MessageModelTest, MovingASlideTakesItsElementAndPictureAlong) {
+    clsSlides& slides = fresh().Slides();
+    for (int i = 0; i < 4; ++i)
+        slides.Add().setText(QString::number(i + 1));
+    QImage marked(4, 4, QImage::Format_RGB32);
+    marked.fill(Qt::red);
+    slides.Item(1).setImage(marked);
+    slides.Move(1, 3);
+    slides.Move(4, 2);
+    QStringList order;
+    for (pugi::xml_node slide :
+         m_message.DOMParent().child("ROOT").child("MESSAGE").child("SLIDES").children()) {
+        order << QString(slide.child("TEXT").attribute("text").value());
+        EXPECT_EQ(QString(slide.attribute("index").value()).toInt(), order.size());
+    }
+    EXPECT_EQ(order, QStringList({"2", "4", "3", "1"}));
+    EXPECT_EQ(slides.Item(4).Text(), "1");
+    EXPECT_EQ(slides.Item(4).image(), marked);
+    EXPECT_EQ(slides.Item(4).GetImageAttribute("url"), "Slide_4");
+}
+
+TEST_F(MessageModelTest, TheDocumentTextReplacesTheDocumentExactly) {
+    clsMessage& message = fresh();
+    message.setMMSFileList("\r\n");
+    message.Slides().Add().setText(QString::fromUtf8("a\rb & <c> \"ü\""));
+    const QByteArray text = message.DocumentXml();
+    EXPECT_TRUE(text.startsWith("<?xml version=\"1.0\" encoding=\"utf-8\"?><ROOT>")) << text.data();
+    message.Slides().Add();
+    message.setName("changed");
+    ASSERT_TRUE(message.ReplaceDocument(text));
+    EXPECT_EQ(message.DocumentXml(), text);
+    EXPECT_EQ(message.Slides().Count(), 1);
+    EXPECT_EQ(message.name(), "greeting");
+    EXPECT_EQ(message.MMSFileList(), "\r\n") << "a blank file list stays as it was";
+    EXPECT_EQ(message.Slides().Item(1).GetTextAttribute("text"),
+              QString::fromUtf8("a\rb & <c> \"ü\""));
+    EXPECT_EQ(message.Slides().Add().index(), 2) << "the new slides live in the new document";
+    EXPECT_FALSE(message.ReplaceDocument("<ROOT>"));
+    EXPECT_EQ(message.Slides().Count(), 2);
 }
 
 TEST_F(MessageModelTest, EveryAttributeSurvivesTheFile) {

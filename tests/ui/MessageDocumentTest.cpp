@@ -261,11 +261,14 @@ TEST_F(MessageDocumentTest, TypingInOneFieldVisitIsOneStep) {
 TEST_F(MessageDocumentTest, DeletingTheOnlySlideEmptiesIt) {
     openSample();
     QSignalSpy current(&m_document, &MessageDocument::currentSlideChanged);
+    QSignalSpy slides(&m_document, &MessageDocument::slidesChanged);
     m_document.setCurrentSlide(3);
+    EXPECT_EQ(slides.size(), 0) << "moving to another slide changes none";
     ASSERT_TRUE(m_document.deleteSlide(3));
     EXPECT_EQ(m_document.slideCount(), 2);
     EXPECT_EQ(m_document.currentSlide(), 2) << "the new last slide";
     EXPECT_EQ(current.last().at(0).toInt(), 2);
+    EXPECT_EQ(slides.size(), 1);
 
     m_document.setCurrentSlide(1);
     ASSERT_TRUE(m_document.deleteSlide(1));
