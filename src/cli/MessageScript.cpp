@@ -177,6 +177,10 @@ bool MessageScript::background() {
     if ((kind == clsDrawObjects::BackStill && !decodable(file)) || !copyIn(file, name))
         return false;
     clsDrawObjects& objects = current->DrawObjects();
+    // A background given twice replaces the first, which would otherwise be
+    // saved in the message although no slide shows it.
+    if (!objects.BackPicture().isEmpty())
+        m_manager.DeleteWorkFolderFile(objects.BackPicture());
     objects.setBackType(kind);
     objects.setBackPicture(name);
     if (kind == clsDrawObjects::BackAnimated) {

@@ -320,3 +320,15 @@ TEST_F(MessageCliTest, AFileThatCannotBeCopiedInFailsTheMessage) {
         ASSERT_TRUE(QFile::remove(path("out.mms"))) << "without the limit the same message saves";
     }
 }
+
+TEST_F(MessageCliTest, AReplacedBackgroundLeavesNothingInTheMessage) {
+    const Result made =
+        cli({"new", "m.mms", "--slide", "--background", archive("Backgrounds/sky_gradient.jpg"),
+             "--background", archive("Backgrounds/pink_dots.gif")});
+    ASSERT_EQ(made.code, 0) << made.err.toStdString();
+    const QStringList members = tarList(path("m.mms"));
+    EXPECT_EQ(members.filter(QRegularExpression("^B.*\\.")).size(), 1)
+        << members.join(' ').toStdString();
+    EXPECT_EQ(members.filter(QRegularExpression("^B.*\\.gif$")).size(), 1)
+        << "the second one stays";
+}
