@@ -39,7 +39,7 @@ QString quoted(const QString& argument) {
 } // namespace
 
 std::optional<int> modMain::Main(const QStringList& arguments) {
-    if (activateRunningCopy())
+    if (activateRunningCopy(arguments))
         return 0;
     const QLocale locale = LocaleInfo::systemLocale();
     AppGlobals::setUserLcid(LocaleInfo::lcidOf(locale));
@@ -56,16 +56,20 @@ std::optional<int> modMain::Main(const QStringList& arguments) {
     return std::nullopt;
 }
 
-bool modMain::activateRunningCopy() {
-    auto* instance =
-        new SingleInstance(SingleInstance::serverNameFor(AppPaths::localAppDataFolder()),
-                           QCoreApplication::instance());
-    if (instance->activateRunningCopy()) {
-        delete instance;
+bool modMain::activateRunningCopy(const QStringList& arguments) {
+    auto instance = std::make_unique<SingleInstance>(
+        SingleInstance::serverNameFor(AppPaths::localAppDataFolder()));
+    if (instance->activateRunningCopy(arguments.mid(1)))
         return true;
+    if (!instance->listen()) {
+        // Refusing to start would leave the user with no window at all; this
+        // copy runs on its own, without answering later ones.
+        qWarning("Later copies cannot reach this one (%s); each opens its own window.",
+                 qUtf8Printable(instance->errorString()));
+        return false;
     }
-    instance->listen();
-    state().instance = instance;
+    instance->setParent(QCoreApplication::instance());
+    state().instance = instance.release();
     return false;
 }
 

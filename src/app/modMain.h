@@ -31,7 +31,7 @@ public:
     static QString helpFilePath(clsPropertiesXML& settings, const QString& language);
 
 private:
-    static bool activateRunningCopy();
+    static bool activateRunningCopy(const QStringList& arguments);
     static void runSteps(const QStringList& arguments);
     static void setStep(const QString& label);
     static void reportFailure(const QString& description);

@@ -1,11 +1,13 @@
 #include "MessageScript.h"
 
 #include "AppError.h"
+#include "AtomicFile.h"
 #include "CliOutput.h"
 #include "PictureFile.h"
 #include "StoredColor.h"
 #include "clsMMSManager.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QRect>
 
@@ -123,6 +125,18 @@ QString MessageScript::bringIn(const QString& prefix, const QString& file) {
     return m_manager.GetUniqueFileName(prefix, file);
 }
 
+// A message that names a file its work folder lacks would be saved without
+// it, so a copy that fails (a full disk, a file size limit) fails the option.
+bool MessageScript::copyIn(const QString& file, const QString& name) {
+    QFile source(file);
+    QString why;
+    if (!source.open(QIODevice::ReadOnly))
+        why = source.errorString();
+    else if (AtomicFile::copyFile(source, m_manager.GetWorkFolderPath() + name, &why))
+        return true;
+    return fail("cannot copy " + file + " into the message: " + why);
+}
+
 // A picture that does not decode would leave a white slide; it is refused
 // when it is added, like a missing file.
 bool MessageScript::decodable(const QString& file) {
@@ -159,10 +173,14 @@ bool MessageScript::background() {
     const int kind = clsDrawObjects::KindOfFile(name);
     if (kind == clsDrawObjects::BackColorOnly)
         return fail("is neither a picture nor an animation: " + file);
-    if (kind == clsDrawObjects::BackStill && !decodable(file))
+    // Checked before the copy, so a refused background leaves nothing behind.
+    if ((kind == clsDrawObjects::BackStill && !decodable(file)) || !copyIn(file, name))
         return false;
-    QFile::copy(file, m_manager.GetWorkFolderPath() + name);
     clsDrawObjects& objects = current->DrawObjects();
+    // A background given twice replaces the first, which would otherwise be
+    // saved in the message although no slide shows it.
+    if (!objects.BackPicture().isEmpty())
+        m_manager.DeleteWorkFolderFile(objects.BackPicture());
     objects.setBackType(kind);
     objects.setBackPicture(name);
     if (kind == clsDrawObjects::BackAnimated) {
@@ -178,9 +196,8 @@ bool MessageScript::image() {
     const QString file = take();
     QRect rect;
     const QString name = current ? bringIn("I", file) : QString();
-    if (name.isEmpty() || !decodable(file) || !takeRect(rect))
+    if (name.isEmpty() || !decodable(file) || !takeRect(rect) || !copyIn(file, name))
         return false;
-    QFile::copy(file, m_manager.GetWorkFolderPath() + name);
     DrawObjectProperties p = DrawObjectProperties::forImage(name, rect, ++m_objects);
     p.name = "Image" + QString::number(m_objects);
     current->DrawObjects().Add().SetAllPproperties(p);
@@ -204,9 +221,8 @@ bool MessageScript::sound() {
     clsSlide* current = slide();
     const QString file = take();
     const QString name = current ? bringIn("A", file) : QString();
-    if (name.isEmpty())
+    if (name.isEmpty() || !copyIn(file, name))
         return false;
-    QFile::copy(file, m_manager.GetWorkFolderPath() + name);
     const qint64 length = m_manager.soundLength(m_manager.GetWorkFolderPath() + name);
     current->setSound(name);
     current->setSoundName(QFileInfo(file).completeBaseName());

@@ -39,6 +39,7 @@ private:
     bool takeColor(qint64& color);
     QString bringIn(const QString& prefix, const QString& file);
     bool decodable(const QString& file);
+    bool copyIn(const QString& file, const QString& name);
 
     bool newSlide();
     bool background();

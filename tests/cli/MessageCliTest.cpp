@@ -1,7 +1,9 @@
 #include "PhotoSamples.h"
 #include "QtPrinters.h"
 
+#include <QDataStream>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QImage>
 #include <QProcess>
@@ -19,13 +21,22 @@ protected:
         QString err;
     };
 
-    Result cli(const QStringList& arguments) const {
+    Result cli(const QStringList& arguments) const { return run(cliPath(), arguments); }
+
+    // The tool with every file it writes limited to the given size, as on a
+    // nearly full disk.
+    Result cliWithFileLimit(int kilobytes, const QStringList& arguments) const {
+        const QString line = QStringLiteral("trap '' XFSZ; ulimit -f %1; exec \"$0\" \"$@\"");
+        return run("bash", QStringList{"-c", line.arg(kilobytes), cliPath()} + arguments);
+    }
+
+    Result run(const QString& program, const QStringList& arguments) const {
         QProcess process;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert("XDG_DATA_HOME", m_home.path() + "/xdg");
         process.setProcessEnvironment(env);
         process.setWorkingDirectory(m_home.path());
-        process.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli", arguments);
+        process.start(program, arguments);
         EXPECT_TRUE(process.waitForFinished(120000));
         return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
                 QString::fromUtf8(process.readAllStandardError())};
@@ -42,6 +53,26 @@ protected:
     }
 
     QString path(const QString& name) const { return m_home.path() + "/" + name; }
+    static QString cliPath() { return QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli"; }
+
+    // A PCM WAV of silence: 8 kHz, mono, 16 bits.
+    void writeSilentWav(const QString& name, int seconds) const {
+        const quint32 dataSize = quint32(seconds) * 16000;
+        QByteArray wav;
+        QDataStream out(&wav, QIODevice::WriteOnly);
+        out.setByteOrder(QDataStream::LittleEndian);
+        out.writeRawData("RIFF", 4);
+        out << quint32(36 + dataSize);
+        out.writeRawData("WAVEfmt ", 8);
+        out << quint32(16) << quint16(1) << quint16(1) << quint32(8000) << quint32(16000)
+            << quint16(2) << quint16(16);
+        out.writeRawData("data", 4);
+        out << dataSize;
+        wav.append(QByteArray(dataSize, '\0'));
+        QFile file(path(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(wav), wav.size());
+    }
     static QString archive(const QString& file) {
         return QStringLiteral(VELLUMO_SOURCE_DIR) + "/data/archive/" + file;
     }
@@ -257,4 +288,47 @@ TEST_F(MessageCliTest, PicturesThatCannotBeDrawnAreRefusedWhenAdded) {
                                   "200 megapixels are refused."))
         << huge.err.toStdString();
     EXPECT_FALSE(QFileInfo::exists(path("bad.mms")));
+}
+
+TEST_F(MessageCliTest, AFileThatCannotBeCopiedInFailsTheMessage) {
+    // Both files are larger than the limit below; the slide picture and the
+    // message file stay well under it.
+    QImage picture(800, 600, QImage::Format_RGB32);
+    picture.fill(Qt::darkCyan);
+    ASSERT_TRUE(picture.save(path("big.bmp")));
+    writeSilentWav("big.wav", 100);
+    const int limitKb = 1024;
+    ASSERT_GT(QFileInfo(path("big.bmp")).size(), limitKb * 1024);
+    ASSERT_GT(QFileInfo(path("big.wav")).size(), limitKb * 1024);
+
+    const QList<QStringList> cases{
+        {"--background", path("big.bmp")},
+        {"--image", path("big.bmp"), "0,0,40,40"},
+        {"--sound", path("big.wav")},
+    };
+    for (const QStringList& option : cases) {
+        const QStringList arguments = QStringList{"new", "out.mms", "--slide", "2000"} + option;
+        const Result limited = cliWithFileLimit(limitKb, arguments);
+        EXPECT_EQ(limited.code, 1) << option[0].toStdString();
+        EXPECT_TRUE(
+            limited.err.contains(option[0] + " cannot copy " + option[1] + " into the message: "))
+            << limited.err.toStdString();
+        EXPECT_FALSE(QFileInfo::exists(path("out.mms"))) << option[0].toStdString();
+
+        const Result unlimited = cli(arguments);
+        EXPECT_EQ(unlimited.code, 0) << unlimited.err.toStdString();
+        ASSERT_TRUE(QFile::remove(path("out.mms"))) << "without the limit the same message saves";
+    }
+}
+
+TEST_F(MessageCliTest, AReplacedBackgroundLeavesNothingInTheMessage) {
+    const Result made =
+        cli({"new", "m.mms", "--slide", "--background", archive("Backgrounds/sky_gradient.jpg"),
+             "--background", archive("Backgrounds/pink_dots.gif")});
+    ASSERT_EQ(made.code, 0) << made.err.toStdString();
+    const QStringList members = tarList(path("m.mms"));
+    EXPECT_EQ(members.filter(QRegularExpression("^B.*\\.")).size(), 1)
+        << members.join(' ').toStdString();
+    EXPECT_EQ(members.filter(QRegularExpression("^B.*\\.gif$")).size(), 1)
+        << "the second one stays";
 }

@@ -1,6 +1,7 @@
 #include "AppGlobals.h"
 #include "AppPaths.h"
 #include "DialogService.h"
+#include "RunningCopy.h"
 #include "SingleInstance.h"
 #include "TempDataHome.h"
 #include "clsPropertiesXML.h"
@@ -11,8 +12,20 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QLocalServer>
 #include <QPointer>
 #include <QTest>
+
+namespace {
+QStringList& warnings() {
+    static QStringList kept;
+    return kept;
+}
+void keepWarning(QtMsgType type, const QMessageLogContext&, const QString& text) {
+    if (type == QtWarningMsg)
+        warnings() << text;
+}
+} // namespace
 
 class StartupTest : public TempDataHome {
 protected:
@@ -70,18 +83,33 @@ TEST_F(StartupTest, GermanSettingsGiveGermanTextsAndHelp) {
     EXPECT_EQ(modMain::mainWindow()->windowTitle(), "Unbenannt.mms -Vellumo");
 }
 
-TEST_F(StartupTest, ASecondCopyBringsTheFirstForwardWithoutTouchingSettings) {
-    SingleInstance running(SingleInstance::serverNameFor(AppPaths::localAppDataFolder()));
-    ASSERT_TRUE(running.listen());
-    int activations = 0;
-    QObject::connect(&running, &SingleInstance::activationRequested, [&] { ++activations; });
+TEST_F(StartupTest, ASecondCopyHandsOverItsCommandLineWithoutTouchingSettings) {
+    RunningCopy running(SingleInstance::serverNameFor(AppPaths::localAppDataFolder()));
+    ASSERT_TRUE(running.listening());
 
-    EXPECT_EQ(modMain::Main({"vellumo"}), 0);
-    for (int i = 0; i < 100 && activations == 0; ++i)
-        QTest::qWait(10);
-    EXPECT_EQ(activations, 1);
+    EXPECT_EQ(modMain::Main({"vellumo", "my card.mms"}), 0);
+    EXPECT_EQ(running.received(1), QList<QStringList>{{"my card.mms"}});
     EXPECT_FALSE(QFileInfo::exists(userFile())) << "the second copy must not open the settings";
     EXPECT_EQ(modMain::mainWindow(), nullptr);
+}
+
+TEST_F(StartupTest, WhenTheRunningCopyDoesNotAnswerThisOneRunsOnItsOwn) {
+    setProgramSetting("preferences", "ShowSplash", "0");
+    // Takes connections (the system does that) but never answers them.
+    QLocalServer hung;
+    ASSERT_TRUE(hung.listen(SingleInstance::serverNameFor(AppPaths::localAppDataFolder())));
+
+    warnings().clear();
+    const QtMessageHandler previous = qInstallMessageHandler(keepWarning);
+    const std::optional<int> exitCode = modMain::Main({"vellumo"});
+    qInstallMessageHandler(previous);
+
+    EXPECT_FALSE(exitCode.has_value()) << "no window would come up if this copy ended";
+    ASSERT_NE(modMain::mainWindow(), nullptr);
+    EXPECT_TRUE(modMain::mainWindow()->isVisible());
+    EXPECT_TRUE(warnings().join('\n').contains("Later copies cannot reach this one"))
+        << warnings().join('\n').toStdString();
+    EXPECT_TRUE(QFileInfo::exists(hung.fullServerName())) << "its socket is not taken from it";
 }
 
 TEST_F(StartupTest, AFailingStepIsReportedByName) {
