@@ -15,6 +15,7 @@
 #include "frmSplash.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QPointer>
 #include <QTextStream>
 #include <memory>
@@ -59,7 +60,11 @@ std::optional<int> modMain::Main(const QStringList& arguments) {
 bool modMain::activateRunningCopy(const QStringList& arguments) {
     auto instance = std::make_unique<SingleInstance>(
         SingleInstance::serverNameFor(AppPaths::localAppDataFolder()));
-    if (instance->activateRunningCopy(arguments.mid(1)))
+    // The first copy works in another folder: files go over as absolute paths.
+    QStringList handed;
+    for (const QString& argument : arguments.mid(1))
+        handed << (QFileInfo::exists(argument) ? QFileInfo(argument).absoluteFilePath() : argument);
+    if (instance->activateRunningCopy(handed))
         return true;
     if (!instance->listen()) {
         // Refusing to start would leave the user with no window at all; this
@@ -96,9 +101,12 @@ void modMain::runSteps(const QStringList& arguments) {
 
     setStep("ModMain.Main - frmMain.Show");
     state().mainWindow = std::make_unique<frmMain>();
-    if (state().instance)
+    if (state().instance) {
         QObject::connect(state().instance, &SingleInstance::activationRequested,
                          state().mainWindow.get(), &frmMain::bringToFront);
+        QObject::connect(state().instance, &SingleInstance::commandLineReceived,
+                         state().mainWindow.get(), &frmMain::openHandedArguments);
+    }
     state().mainWindow->show();
     state().mainWindow->openCommandLine(AppGlobals::commandLine());
 

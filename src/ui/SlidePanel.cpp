@@ -15,6 +15,11 @@
 #include <QPushButton>
 
 namespace {
+// Alt and a letter reach each field; a text that names no letter gets its first.
+QString withMnemonic(const QString& text) {
+    return text.contains(u'&') ? text : u'&' + text;
+}
+
 QString seconds(qint64 ms) {
     return VbFormat::format(double(ms) / 1000.0, "#0.0s");
 }
@@ -76,9 +81,9 @@ void SlidePanel::buildLayout() {
 
 void SlidePanel::TranslateForm() {
     const QString text = AppGlobals::text("STR_TEXT_TITLE", "Text");
-    lblText->setText(u'&' + text);
+    lblText->setText(withMnemonic(text));
     txtMessage->setAccessibleName(text);
-    lblSlideTime->setText(u'&' + AppGlobals::text("STR_SLIDE_TIME", "Slide time"));
+    lblSlideTime->setText(withMnemonic(AppGlobals::text("STR_SLIDE_TIME", "Slide ti&me")));
     m_time->TranslateControl();
     cmdAddNewSlide->setText(AppGlobals::text("MNU_SLIDE_ADD", "Add slide"));
     cmdDuplicateSlide->setText(AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate"));

@@ -45,6 +45,6 @@ qint64 ctlSlideTime::duration() const {
 }
 
 void ctlSlideTime::TranslateControl() {
-    setAccessibleName(AppGlobals::text("STR_SLIDE_TIME", "Slide time"));
+    setAccessibleName(AppGlobals::text("STR_SLIDE_TIME", "Slide ti&me").remove(u'&'));
     setToolTip(AppGlobals::text("STR_TOOLTIP_SLIDETIME", "How long the slide is shown"));
 }

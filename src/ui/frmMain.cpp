@@ -59,7 +59,13 @@ frmMain::frmMain(QWidget* parent)
     m_document->newMessage();
 }
 
-frmMain::~frmMain() = default;
+// The document goes before the manager it works on, and without telling the
+// half-destroyed window about its history going.
+frmMain::~frmMain() {
+    m_document->undoStack().blockSignals(true);
+    m_document->blockSignals(true);
+    delete m_document;
+}
 
 void frmMain::buildWindow() {
     setMenuBar(m_menu);
@@ -213,6 +219,11 @@ void frmMain::openCommandLine(const QString& commandLine) {
     const QString file = fileFromCommandLine(commandLine);
     if (!file.isEmpty())
         m_files->open(QFileInfo(file).absoluteFilePath());
+}
+
+void frmMain::openHandedArguments(const QStringList& arguments) {
+    if (!arguments.value(0).isEmpty())
+        m_files->openRecent(arguments.value(0));
 }
 
 QString frmMain::fileFromCommandLine(const QString& commandLine) {

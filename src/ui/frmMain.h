@@ -30,6 +30,9 @@ public:
     void bringToFront();
     // Opens the message file the command line names; a new message otherwise.
     void openCommandLine(const QString& commandLine);
+    // The arguments another copy of the program was started with: its file is
+    // opened here, after asking about unsaved changes.
+    void openHandedArguments(const QStringList& arguments);
     // The first argument of a kept command line, quotes taken off.
     static QString fileFromCommandLine(const QString& commandLine);
 

@@ -44,7 +44,11 @@ protected:
 
 TEST_F(StartupTest, MainOpensSettingsLanguageHelpAndTheWindow) {
     setProgramSetting("preferences", "ShowSplash", "0");
+    // The file the command line names is not there: the window says so.
+    DialogService::queueAnswer(QMessageBox::Ok);
     ASSERT_FALSE(modMain::Main({"vellumo", "my message.mms"}).has_value());
+    ASSERT_EQ(DialogService::answeredBoxes().size(), 1);
+    EXPECT_TRUE(DialogService::answeredBoxes()[0].text.startsWith("The message file cannot be"));
     ASSERT_NE(AppGlobals::settings(), nullptr);
     EXPECT_EQ(AppGlobals::settings()->XmlFileName(), userFile());
     EXPECT_EQ(AppGlobals::localizer()->GetLanguage(), "en-us");

@@ -1,0 +1,184 @@
+#include "AppGlobals.h"
+#include "DialogService.h"
+#include "FileCommands.h"
+#include "MessageDocument.h"
+#include "SettingsBootstrap.h"
+#include "SlidePanel.h"
+#include "TempDataHome.h"
+#include "clsPropertiesXML.h"
+#include "ctlMainMenu.h"
+#include "ctlSlideThumbs.h"
+#include "ctlSlideTime.h"
+#include "frmMain.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QProcess>
+#include <QPushButton>
+#include <QTest>
+#include <memory>
+
+// The main window driven as a user drives it: keys, clicks and answered boxes,
+// with what it saved read back by the command line tool.
+class MainWindowTest : public TempDataHome {
+protected:
+    void SetUp() override {
+        TempDataHome::SetUp();
+        AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
+        setting("ShowSplash", "0");
+    }
+    void TearDown() override {
+        m_window.reset();
+        DialogService::clear();
+        TempDataHome::TearDown();
+    }
+    static void setting(const char* key, const QString& value) {
+        AppGlobals::settings()->SetProp("preferences", key, value);
+    }
+    frmMain& window() {
+        if (!m_window) {
+            m_window = std::make_unique<frmMain>();
+            m_window->show();
+            EXPECT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
+        }
+        return *m_window;
+    }
+    QString cliInfo(const QString& file) const {
+        QProcess cli;
+        cli.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli", {"info", file});
+        cli.waitForFinished(60000);
+        return QString::fromUtf8(cli.readAllStandardOutput());
+    }
+    // Opens a menu of the bar by Alt and its letter and chooses with keys.
+    void menuKeys(Qt::Key title, const QList<Qt::Key>& keys) {
+        QTest::keyClick(&window(), title, Qt::AltModifier);
+        for (const Qt::Key key : keys) {
+            QWidget* popup = QApplication::activePopupWidget();
+            ASSERT_NE(popup, nullptr) << "no menu open";
+            QTest::keyClick(popup, key);
+        }
+    }
+    MessageDocument& document() { return window().document(); }
+
+    std::unique_ptr<frmMain> m_window;
+};
+
+TEST_F(MainWindowTest, ANewUserComposesAMessageWithTheKeyboardAlone) {
+    setting("AskNewSlide", "0");
+    setting("MMSTimeFormat", "s");
+    const QString file = dataFile("card.mms");
+    frmMain& main = window();
+    EXPECT_EQ(main.windowTitle(), "Untitled.mms -Vellumo");
+
+    // Slide 1: a text and a time.
+    QTest::keyClick(&main, Qt::Key_T, Qt::AltModifier);
+    QTest::keyClicks(QApplication::focusWidget(), "First");
+    QTest::keyClick(&main, Qt::Key_M, Qt::AltModifier);
+    QWidget* time = QApplication::focusWidget();
+    ASSERT_EQ(time, main.slidePanel()->timeField());
+    main.slidePanel()->timeField()->selectAll();
+    QTest::keyClicks(time, "2.5");
+    QTest::keyClick(time, Qt::Key_Return);
+
+    // Two more slides from the Slide menu, each with its text.
+    for (const char* text : {"Second", "Third"}) {
+        menuKeys(Qt::Key_S, {Qt::Key_Return});
+        QTest::keyClick(&main, Qt::Key_T, Qt::AltModifier);
+        QTest::keyClicks(QApplication::focusWidget(), text);
+    }
+    ASSERT_EQ(document().slideCount(), 3);
+    EXPECT_EQ(document().currentSlide(), 3);
+
+    // The third slide goes first: Ctrl+Z undoes nothing of that.
+    main.slideStrip()->setFocus();
+    QTest::keyClick(main.slideStrip(), Qt::Key_End);
+    ASSERT_TRUE(document().moveSlide(3, 1));
+
+    DialogService::queueFileAnswer(file);
+    QTest::keyClick(&main, Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(main.windowTitle(), "card.mms -Vellumo");
+    EXPECT_FALSE(document().isModified());
+    DialogService::queueAnswer(QMessageBox::Yes);
+    QTest::keyClick(&main, Qt::Key_Q, Qt::ControlModifier);
+    QTRY_VERIFY(!main.isVisible());
+
+    const QString info = cliInfo(file);
+    EXPECT_TRUE(info.contains("slides: 3")) << info.toStdString();
+    const qsizetype third = info.indexOf("text: \"Third\"");
+    const qsizetype first = info.indexOf("text: \"First\"");
+    EXPECT_TRUE(third > 0 && first > third) << info.toStdString();
+    EXPECT_TRUE(info.contains("duration 2500 ms")) << info.toStdString();
+}
+
+TEST_F(MainWindowTest, AskedSlideCommandsAndTheDeleteRules) {
+    setting("AskNewSlide", "1");
+    setting("AskDeleteSlide", "yes"); // anything but "1" acts at once
+    frmMain& main = window();
+    DialogService::queueAnswer(QMessageBox::No);
+    QTest::mouseClick(main.findChild<QPushButton*>("cmdAddNewSlide"), Qt::LeftButton);
+    EXPECT_EQ(document().slideCount(), 1) << "No keeps the message as it was";
+    DialogService::queueAnswer(QMessageBox::Yes);
+    QTest::mouseClick(main.findChild<QPushButton*>("cmdAddNewSlide"), Qt::LeftButton);
+    ASSERT_EQ(document().slideCount(), 2);
+    ASSERT_EQ(DialogService::answeredBoxes().size(), 2);
+    EXPECT_EQ(DialogService::answeredBoxes()[1].title, "Append slide");
+    EXPECT_EQ(DialogService::answeredBoxes()[1].icon, QMessageBox::Question);
+
+    QTest::mouseClick(main.findChild<QPushButton*>("cmdDeleteSlide"), Qt::LeftButton);
+    EXPECT_EQ(document().slideCount(), 1);
+    EXPECT_EQ(document().currentSlide(), 1) << "the last of several goes, the new last is current";
+    document().setSlideText("kept?");
+    QTest::mouseClick(main.findChild<QPushButton*>("cmdDeleteSlide"), Qt::LeftButton);
+    ASSERT_EQ(document().slideCount(), 1) << "the only slide is emptied, never removed";
+    EXPECT_EQ(document().message()->Slides().Item(1).Text(), "");
+    EXPECT_EQ(DialogService::answeredBoxes().size(), 2) << "deleting asked nothing";
+}
+
+TEST_F(MainWindowTest, AFailedOpenOrSaveLosesNothing) {
+    frmMain& main = window();
+    writeFile(dataFile("not-a-message.mms"), "just text");
+    DialogService::queueAnswer(QMessageBox::Ok);
+    EXPECT_FALSE(main.fileCommands()->open(dataFile("not-a-message.mms")));
+    ASSERT_EQ(DialogService::answeredBoxes().size(), 1);
+    EXPECT_EQ(DialogService::answeredBoxes()[0].icon, QMessageBox::Warning);
+    EXPECT_EQ(document().slideCount(), 1) << "a new untitled message takes its place";
+    EXPECT_EQ(main.windowTitle(), "Untitled.mms -Vellumo");
+
+    const QString saved = dataFile("saved.mms");
+    DialogService::queueFileAnswer(saved);
+    ASSERT_TRUE(main.fileCommands()->saveAs());
+    document().setSlideText("changed");
+    // A folder where the file should go: the save fails and keeps everything.
+    QFile::remove(saved);
+    QDir().mkpath(saved);
+    DialogService::queueAnswer(QMessageBox::Ok);
+    EXPECT_FALSE(main.fileCommands()->save());
+    EXPECT_EQ(DialogService::answeredBoxes().last().icon, QMessageBox::Critical);
+    EXPECT_TRUE(document().isModified());
+    EXPECT_TRUE(QFileInfo(saved).isDir());
+
+    // Leaving with changes: Cancel keeps the window and the message.
+    DialogService::queueAnswer(QMessageBox::Cancel);
+    main.close();
+    EXPECT_TRUE(main.isVisible());
+    EXPECT_EQ(DialogService::answeredBoxes().last().text, AppGlobals::text("ASK_SAVECHANGES", "?"));
+    DialogService::queueAnswer(QMessageBox::No);
+    main.close();
+    EXPECT_FALSE(main.isVisible());
+}
+
+TEST_F(MainWindowTest, UndoAndRedoFromTheEditMenuFollowTheModifiedFlag) {
+    frmMain& main = window();
+    setting("AskNewSlide", "0");
+    menuKeys(Qt::Key_S, {Qt::Key_Return});
+    ASSERT_EQ(document().slideCount(), 2);
+    EXPECT_TRUE(document().isModified());
+    EXPECT_TRUE(main.mainMenu()->isItemEnabled(ctlMainMenu::Undo));
+    QTest::keyClick(&main, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(document().slideCount(), 1);
+    EXPECT_FALSE(document().isModified()) << "back at the state it started in";
+    EXPECT_FALSE(main.mainMenu()->isItemEnabled(ctlMainMenu::Undo));
+    menuKeys(Qt::Key_E, {Qt::Key_Down, Qt::Key_Return});
+    EXPECT_EQ(document().slideCount(), 2) << "Edit, Redo";
+}
