@@ -162,7 +162,8 @@ TEST_F(MainWindowTest, AFailedOpenOrSaveLosesNothing) {
     DialogService::queueAnswer(QMessageBox::Cancel);
     main.close();
     EXPECT_TRUE(main.isVisible());
-    EXPECT_EQ(DialogService::answeredBoxes().last().text, AppGlobals::text("ASK_SAVECHANGES", "?"));
+    EXPECT_EQ(DialogService::answeredBoxes().last().text,
+              AppGlobals::text("ASK_SAVECHANGES", "Save the changes before you exit?"));
     DialogService::queueAnswer(QMessageBox::No);
     main.close();
     EXPECT_FALSE(main.isVisible());
