@@ -89,8 +89,9 @@ void SlidePanel::TranslateForm() {
     cmdDuplicateSlide->setText(AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate"));
     cmdDeleteSlide->setText(AppGlobals::text("BTN_DELETE", "Delete"));
     m_picture->setEmptyText(AppGlobals::text("STR_CLICK_TO_ADD", "Pick a picture on the right."));
-    lblTime->setAccessibleName(AppGlobals::text("STR_TOTAL_TIME", "Total time"));
-    lblSound->setAccessibleName(AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
+    lblTime->setAccessibleDescription(AppGlobals::text("STR_TOTAL_TIME", "Total time"));
+    lblSound->setAccessibleDescription(AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
+    m_picture->setAccessibleName(AppGlobals::text("STR_SLIDE_PICTURE", "Slide picture"));
 }
 
 void SlidePanel::showSlide(const clsMessage* message, int slide) {

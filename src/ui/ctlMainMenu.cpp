@@ -83,10 +83,30 @@ void ctlMainMenu::MenuItemEnabled(int number, bool enabled) {
         m_disabled.insert(number);
     if (QAction* shortcut = m_shortcuts.value(number))
         shortcut->setEnabled(enabled);
+    scheduleRebuild();
 }
 
 void ctlMainMenu::EnableExportImport(bool enabled) {
     m_exportImport = enabled;
+    scheduleRebuild();
+}
+
+// Closed menus are built anew once the caller is done, so a screen reader sees
+// them as they are; never at once, as the change may come from an item of the
+// very menu being rebuilt.
+void ctlMainMenu::scheduleRebuild() {
+    if (m_rebuildPending)
+        return;
+    m_rebuildPending = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_rebuildPending = false;
+            for (int menu = FileMenu; menu <= EditMenu; ++menu)
+                if (!m_menus[menu]->isVisible())
+                    rebuild(menu);
+        },
+        Qt::QueuedConnection);
 }
 
 void ctlMainMenu::installShortcuts(QWidget* window) {

@@ -67,6 +67,7 @@ signals:
 
 private:
     void rebuild(int menu);
+    void scheduleRebuild();
     void showShortcuts(QMenu& menu) const;
     void reportChoices(QMenu& menu);
     void onTriggered(QAction* action);
@@ -77,6 +78,7 @@ private:
     QMenu* m_menus[4] = {};
     QSet<int> m_disabled;
     bool m_exportImport = false;
+    bool m_rebuildPending = false;
     RecentFilesList m_recent;
     QHash<int, QAction*> m_shortcuts;
 };

@@ -205,6 +205,7 @@ void frmMain::TranslateForm() {
     m_panel->TranslateForm();
     if (auto* strip = findChild<QDockWidget*>("dockSlides"))
         strip->setWindowTitle(text("STR_SLIDES", "Slides"));
+    m_progress->setAccessibleName(text("STR_PROGRESS", "Progress"));
     setWindowTitle(windowCaption());
     showStatus();
 }

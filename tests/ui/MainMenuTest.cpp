@@ -82,3 +82,12 @@ TEST_F(MainMenuTest, ShortcutsWorkWithTheMenusClosedAndFollowTheirItems) {
     EXPECT_EQ(clicks[1][0].toInt(), int(ctlMainMenu::Undo));
     EXPECT_FALSE(find(opened(1), "Undo")->isEnabled());
 }
+
+TEST_F(MainMenuTest, ClosedMenusFollowTheStateWithoutBeingOpened) {
+    m_menu->MenuItemEnabled(ctlMainMenu::Info, false);
+    QMenu* file = m_menu->actions().at(0)->menu();
+    QCoreApplication::processEvents();
+    QAction* info = find(*file, "Info");
+    ASSERT_NE(info, nullptr);
+    EXPECT_FALSE(info->isEnabled()) << "a screen reader sees the menu as it is";
+}
