@@ -72,6 +72,12 @@ bool SlideCommands::runMenuCommand(int number) {
     case ctlMainMenu::DeleteText:
         m_document.deleteSlideText();
         return true;
+    case ctlMainMenu::MoveSlideUp:
+        m_document.moveSlide(current, current - 1);
+        return true;
+    case ctlMainMenu::MoveSlideDown:
+        m_document.moveSlide(current, current + 1);
+        return true;
     default:
         return false;
     }

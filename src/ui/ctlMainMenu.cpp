@@ -16,12 +16,20 @@ const Title kTitles[] = {
 const int kBarOrder[] = {ctlMainMenu::FileMenu, ctlMainMenu::EditMenu, ctlMainMenu::SlideMenu,
                          ctlMainMenu::HelpMenu};
 
-const QHash<int, QKeySequence::StandardKey>& standardKeys() {
-    static const QHash<int, QKeySequence::StandardKey> keys{
-        {ctlMainMenu::New, QKeySequence::New},   {ctlMainMenu::Open, QKeySequence::Open},
-        {ctlMainMenu::Save, QKeySequence::Save}, {ctlMainMenu::SaveAs, QKeySequence::SaveAs},
-        {ctlMainMenu::Exit, QKeySequence::Quit}, {ctlMainMenu::Help, QKeySequence::HelpContents},
-        {ctlMainMenu::Undo, QKeySequence::Undo}, {ctlMainMenu::Redo, QKeySequence::Redo},
+// The platform's keys where it has standard ones, our own for the rest.
+const QHash<int, QList<QKeySequence>>& shortcutKeys() {
+    using K = QKeySequence;
+    static const QHash<int, QList<QKeySequence>> keys{
+        {ctlMainMenu::New, K::keyBindings(K::New)},
+        {ctlMainMenu::Open, K::keyBindings(K::Open)},
+        {ctlMainMenu::Save, K::keyBindings(K::Save)},
+        {ctlMainMenu::SaveAs, K::keyBindings(K::SaveAs)},
+        {ctlMainMenu::Exit, K::keyBindings(K::Quit)},
+        {ctlMainMenu::Help, K::keyBindings(K::HelpContents)},
+        {ctlMainMenu::Undo, K::keyBindings(K::Undo)},
+        {ctlMainMenu::Redo, K::keyBindings(K::Redo)},
+        {ctlMainMenu::MoveSlideUp, {K(Qt::CTRL | Qt::SHIFT | Qt::Key_Up)}},
+        {ctlMainMenu::MoveSlideDown, {K(Qt::CTRL | Qt::SHIFT | Qt::Key_Down)}},
     };
     return keys;
 }
@@ -40,9 +48,9 @@ ctlMainMenu::ctlMainMenu(QWidget* parent) : QMenuBar(parent) {
         // Built once now, so a screen reader and the keyboard find the items at once.
         rebuild(menu);
     }
-    for (auto key = standardKeys().cbegin(); key != standardKeys().cend(); ++key) {
+    for (auto key = shortcutKeys().cbegin(); key != shortcutKeys().cend(); ++key) {
         auto* action = new QAction(this);
-        action->setShortcut(key.value());
+        action->setShortcuts(key.value());
         action->setShortcutContext(Qt::WindowShortcut);
         const int number = key.key();
         connect(action, &QAction::triggered, this, [this, number] { emit MenuClick(number); });
@@ -71,6 +79,7 @@ void ctlMainMenu::MenuEnabled(int menu, bool enabled) {
     // A closed menu's shortcuts follow it: File's and Slide's go with their menus.
     for (auto shortcut = m_shortcuts.cbegin(); shortcut != m_shortcuts.cend(); ++shortcut)
         if ((menu == FileMenu && shortcut.key() <= Exit) ||
+            (menu == SlideMenu && shortcut.key() >= MoveSlideUp) ||
             (menu == EditMenu && shortcut.key() >= Undo) ||
             (menu == HelpMenu && shortcut.key() == Help))
             shortcut.value()->setEnabled(enabled && isItemEnabled(shortcut.key()));
@@ -163,7 +172,9 @@ QString ctlMainMenu::slideDescriptor() const {
            item("MNU_SLIDE_DELETE_SLIDE", "Slide", DeleteSlide) + "|-|" +
            item("MNU_SLIDE_DELETE_IMAGE", "Image", DeleteImage) + u'|' +
            item("MNU_SLIDE_DELETE_SOUND", "Sound", DeleteSound) + u'|' +
-           item("MNU_SLIDE_DELETE_TEXT", "Text", DeleteText) + ",-," +
+           item("MNU_SLIDE_DELETE_TEXT", "Text", DeleteText) + u',' +
+           item("MNU_SLIDE_MOVE_UP", "Move up", MoveSlideUp) + u',' +
+           item("MNU_SLIDE_MOVE_DOWN", "Move down", MoveSlideDown) + ",-," +
            item("MNU_SLIDE_BACKGROUND", "Background", Background) + ",-," +
            item("MNU_SLIDE_PREVIEW", "Preview", Preview) + u',' +
            item("MNU_SLIDE_DOWNLOAD_PICTURE", "Send picture", DownloadPicture);

@@ -44,6 +44,8 @@ public:
         About = 28,
         Undo = 29,
         Redo = 30,
+        MoveSlideUp = 31,
+        MoveSlideDown = 32,
     };
 
     explicit ctlMainMenu(QWidget* parent = nullptr);

@@ -47,7 +47,8 @@ TEST_F(MainMenuTest, TheFileMenuOffersExportAndImportOnlyWhenAllowed) {
               "Recent;0|/m/card.mms;265,-,Exit;10");
     EXPECT_TRUE(m_menu->descriptor(ctlMainMenu::SlideMenu)
                     .startsWith("Add;11,Insert;0|Before;13|After;14,Duplicate;0|Before;16|"
-                                "After;17,Delete;0|Slide;19|-|Image;20|Sound;21|Text;22,-,"));
+                                "After;17,Delete;0|Slide;19|-|Image;20|Sound;21|Text;22,"
+                                "Move up;31,Move down;32,-,"));
 }
 
 TEST_F(MainMenuTest, ItemsReportTheirNumbersAndRecentFilesTheirPath) {
