@@ -5,6 +5,7 @@
 #include "FileCommands.h"
 #include "MessageDocument.h"
 #include "SettingsBootstrap.h"
+#include "clsPropertiesXML.h"
 #include "frmMain.h"
 
 #include <QApplication>
