@@ -185,3 +185,58 @@ TEST_F(MainWindowTest, UndoAndRedoFromTheEditMenuFollowTheModifiedFlag) {
     menuKeys(Qt::Key_E, {Qt::Key_Down, Qt::Key_Return});
     EXPECT_EQ(document().slideCount(), 2) << "Edit, Redo";
 }
+
+TEST_F(MainWindowTest, UnsavedChangesAreAskedAboutBeforeNewOrOpen) {
+    setting("AskNewSlide", "0");
+    const QString kept = dataFile("kept.mms");
+    DialogService::queueFileAnswer(kept);
+    ASSERT_TRUE(window().fileCommands()->saveAs());
+    document().appendSlide();
+
+    DialogService::queueAnswer(QMessageBox::Cancel);
+    EXPECT_FALSE(window().fileCommands()->newMessage());
+    EXPECT_EQ(document().slideCount(), 2) << "Cancel keeps the message";
+    EXPECT_EQ(DialogService::answeredBoxes().last().title, "Save");
+
+    DialogService::queueAnswer(QMessageBox::No);
+    EXPECT_TRUE(window().fileCommands()->newMessage());
+    EXPECT_EQ(document().slideCount(), 1);
+    EXPECT_EQ(window().windowTitle(), "Untitled.mms -Vellumo");
+
+    // The saved file opens as it was saved, from the recent list, and a file
+    // that has gone leaves the list with the program's own box.
+    ASSERT_EQ(window().mainMenu()->recentFiles().GetRecentFilesList(), QStringList{kept});
+    EXPECT_TRUE(window().fileCommands()->openRecent(kept));
+    EXPECT_EQ(document().slideCount(), 1);
+    EXPECT_EQ(window().windowTitle(), "kept.mms -Vellumo");
+    QFile::remove(kept);
+    DialogService::queueAnswer(QMessageBox::Ok);
+    EXPECT_FALSE(window().fileCommands()->openRecent(kept));
+    EXPECT_TRUE(window().mainMenu()->recentFiles().GetRecentFilesList().isEmpty());
+}
+
+TEST_F(MainWindowTest, TheCommandLinesFileOpensWithProgressAndThePlaceIsKept) {
+    const QString file = dataFile("given.mms");
+    QProcess cli;
+    cli.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli",
+              {"new", file, "--slide", "1000", "--slide-text", "one", "--slide", "--slide",
+               "--slide-text", "three"});
+    ASSERT_TRUE(cli.waitForFinished(60000) && cli.exitCode() == 0);
+    QStringList progress;
+    QObject::connect(
+        &window().manager(), &clsMMSManager::ProsessingSlide,
+        [&](int slide, int count) { progress << QString("%1/%2").arg(slide).arg(count); });
+    window().openCommandLine(" \"" + file + "\"");
+    EXPECT_EQ(document().slideCount(), 3);
+    EXPECT_EQ(window().windowTitle(), "given.mms -Vellumo");
+    EXPECT_EQ(progress, QStringList({"1/3", "2/3", "3/3"}));
+    EXPECT_EQ(window().slidePanel()->textBox()->toPlainText(), "one");
+    EXPECT_EQ(frmMain::fileFromCommandLine(" plain.mms other"), "plain.mms");
+
+    window().move(40, 50);
+    DialogService::queueAnswer(QMessageBox::Yes);
+    window().close();
+    const QString position = AppGlobals::settings()->GetProp("preferences", "MainPosition", "");
+    EXPECT_EQ(position, QString("%1;%2").arg(window().x()).arg(window().y()));
+    EXPECT_NE(position, "-1;-1");
+}
