@@ -196,13 +196,16 @@ void ctlMainMenu::reportChoices(QMenu& menu) {
     }
 }
 
-// The keys are shown beside the captions; the window's own actions carry them.
+// The keys are shown beside the captions and read out with them. The window's
+// own actions carry them while the menus are closed; these answer only inside
+// their open menu, so a key never means two actions at once.
 void ctlMainMenu::showShortcuts(QMenu& menu) const {
     for (QAction* action : menu.actions()) {
         const QAction* shortcut = m_shortcuts.value(clsPopupMenu::commandNumber(action));
-        if (shortcut && !action->menu() && !action->isSeparator())
-            action->setText(action->text() + u'\t' +
-                            shortcut->shortcut().toString(QKeySequence::NativeText));
+        if (shortcut && !action->menu() && !action->isSeparator()) {
+            action->setShortcuts(shortcut->shortcuts());
+            action->setShortcutContext(Qt::WidgetShortcut);
+        }
     }
 }
 

@@ -70,8 +70,9 @@ TEST_F(MainMenuTest, ItemsReportTheirNumbersAndRecentFilesTheirPath) {
 
 TEST_F(MainMenuTest, ShortcutsWorkWithTheMenusClosedAndFollowTheirItems) {
     QSignalSpy clicks(m_menu, &ctlMainMenu::MenuClick);
-    EXPECT_EQ(find(opened(0), "Save")->text(),
-              "Save\t" + QKeySequence(QKeySequence::Save).toString(QKeySequence::NativeText));
+    QAction* save = find(opened(0), "Save");
+    EXPECT_EQ(save->text(), "Save");
+    EXPECT_EQ(save->shortcut(), QKeySequence(QKeySequence::Save)) << "shown in the menu";
     QTest::keyClick(&m_window, Qt::Key_S, Qt::ControlModifier);
     QTest::keyClick(&m_window, Qt::Key_Z, Qt::ControlModifier);
     m_menu->MenuItemEnabled(ctlMainMenu::Undo, false);
