@@ -1,13 +1,11 @@
 #include "MessageScript.h"
 
 #include "AppError.h"
-#include "AtomicFile.h"
 #include "CliOutput.h"
 #include "PictureFile.h"
 #include "StoredColor.h"
 #include "clsMMSManager.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QRect>
 
@@ -125,16 +123,10 @@ QString MessageScript::bringIn(const QString& prefix, const QString& file) {
     return m_manager.GetUniqueFileName(prefix, file);
 }
 
-// A message that names a file its work folder lacks would be saved without
-// it, so a copy that fails (a full disk, a file size limit) fails the option.
 bool MessageScript::copyIn(const QString& file, const QString& name) {
-    QFile source(file);
     QString why;
-    if (!source.open(QIODevice::ReadOnly))
-        why = source.errorString();
-    else if (AtomicFile::copyFile(source, m_manager.GetWorkFolderPath() + name, &why))
-        return true;
-    return fail("cannot copy " + file + " into the message: " + why);
+    return m_manager.CopyToWorkFolder(file, name, &why) ||
+           fail("cannot copy " + file + " into the message: " + why);
 }
 
 // A picture that does not decode would leave a white slide; it is refused

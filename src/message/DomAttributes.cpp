@@ -73,10 +73,15 @@ struct ByteWriter : pugi::xml_writer {
 };
 } // namespace
 
-bool DomAttributes::save(const pugi::xml_document& document, const QString& path, QString* why) {
+QByteArray DomAttributes::bytes(const pugi::xml_document& document, const char* indent,
+                                unsigned flags) {
     ByteWriter writer;
-    document.save(writer, "  ", pugi::format_default, pugi::encoding_utf8);
-    return AtomicFile::writeFile(path, writer.bytes, why);
+    document.save(writer, indent, flags, pugi::encoding_utf8);
+    return writer.bytes;
+}
+
+bool DomAttributes::save(const pugi::xml_document& document, const QString& path, QString* why) {
+    return AtomicFile::writeFile(path, bytes(document, "  ", pugi::format_default), why);
 }
 
 void DomAttributes::startDocument(pugi::xml_document& document, const char* text) {

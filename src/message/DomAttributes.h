@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <pugixml.hpp>
 
@@ -21,6 +22,8 @@ public:
     // Replaces the document with the parsed text, preceded by the declaration
     // version 1.0, encoding utf-8.
     static void startDocument(pugi::xml_document& document, const char* text);
+    // The document as UTF-8 text.
+    static QByteArray bytes(const pugi::xml_document& document, const char* indent, unsigned flags);
     // Writes the document as UTF-8 through AtomicFile; false with *why when not.
     static bool save(const pugi::xml_document& document, const QString& path,
                      QString* why = nullptr);

@@ -87,11 +87,21 @@ QImage SlideRenderer::render(const clsDrawObjects& objects, QSize target) const 
     return picture;
 }
 
+QImage SlideRenderer::picture(const clsSlide& slide) const {
+    return slide.image().isNull() ? render(slide.DrawObjects()) : slide.image();
+}
+
+bool SlideRenderer::hasPicture(const clsSlide& slide) {
+    const clsDrawObjects& objects = slide.DrawObjects();
+    return !slide.image().isNull() || objects.Count() > 0 ||
+           objects.BackType() != clsDrawObjects::BackColorOnly;
+}
+
 bool SlideRenderer::renderToFile(const clsSlide& slide, const QString& path) const {
-    const QImage picture = slide.image().isNull() ? render(slide.DrawObjects()) : slide.image();
     AtomicFile file(path);
     return file.open(QIODevice::WriteOnly) &&
-           picture.convertToFormat(QImage::Format_RGB888).save(&file, "BMP") && file.commit();
+           picture(slide).convertToFormat(QImage::Format_RGB888).save(&file, "BMP") &&
+           file.commit();
 }
 
 QSize SlideRenderer::surfaceFromSettings() {

@@ -22,8 +22,12 @@ public:
     void paint(QPainter& painter, const clsDrawObjects& objects, const QRectF& target) const;
     QImage render(const clsDrawObjects& objects, QSize target) const;
     QImage render(const clsDrawObjects& objects) const { return render(objects, m_surface); }
-    // The slide's picture as a bitmap file: its in-memory image when it has
-    // one, else its draw objects rendered at the surface size.
+    // The slide's picture: its in-memory image when it has one, else its draw
+    // objects rendered at the surface size.
+    QImage picture(const clsSlide& slide) const;
+    // False for a slide of its colour alone, which has no picture of its own.
+    static bool hasPicture(const clsSlide& slide);
+    // That picture as a bitmap file.
     bool renderToFile(const clsSlide& slide, const QString& path) const;
 
     // Work-folder files that the last paint could not load.

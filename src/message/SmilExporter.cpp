@@ -91,13 +91,10 @@ bool SmilExporter::exportPicture(const clsSlide& slide, const QString& workFolde
         if (!PlainFileName::copy(workFolder, objects.BackPicture(), m_folder + name, &why))
             return fail("STR_ERROR_PICT_CONV", "The picture cannot be converted.", why);
     } else {
-        const bool drawn = objects.Count() > 0 || objects.BackType() == clsDrawObjects::BackStill;
-        if (slide.image().isNull() && !drawn)
-            return true; // a slide of colour alone has no picture
+        if (!SlideRenderer::hasPicture(slide))
+            return true;
         const QImage picture =
-            slide.image().isNull()
-                ? SlideRenderer(workFolder, SlideRenderer::surfaceFromSettings()).render(objects)
-                : slide.image();
+            SlideRenderer(workFolder, SlideRenderer::surfaceFromSettings()).picture(slide);
         name = fileName(slide.index(), ImageWriter::extension(m_imageFormat));
         try {
             ImageWriter::write(picture, m_imageFormat, m_folder + name, encoderSettings());

@@ -4,6 +4,7 @@
 #include "AppError.h"
 #include "AppGlobals.h"
 #include "AppPaths.h"
+#include "AtomicFile.h"
 #include "EventPump.h"
 #include "ImageWriter.h"
 #include "PackageDefinition.h"
@@ -136,9 +137,19 @@ QString clsMMSManager::SaveFileToWorkFolder(const QString& prefix, const QString
                                             const QString& extension) {
     const QString name = UniqueNamer::immediate(
         prefix, extension.isEmpty() ? GetFilenameExtension(source) : extension);
-    QFile::remove(m_workFolder + name);
-    QFile::copy(AppPaths::toDisk(source), m_workFolder + name);
+    CopyToWorkFolder(AppPaths::toDisk(source), name);
     return name;
+}
+
+// A message that names a file its work folder lacks would be saved without
+// it, so a copy that fails (a full disk, a file size limit) is reported.
+bool clsMMSManager::CopyToWorkFolder(const QString& source, const QString& name, QString* why) {
+    QFile from(source);
+    if (from.open(QIODevice::ReadOnly))
+        return AtomicFile::copyFile(from, m_workFolder + name, why);
+    if (why)
+        *why = from.errorString();
+    return false;
 }
 
 void clsMMSManager::DeleteWorkFolderFile(const QString& fileName) {

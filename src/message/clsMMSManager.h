@@ -55,6 +55,8 @@ public:
     QString GetUniqueFileName(const QString& prefix, const QString& fileName);
     QString SaveFileToWorkFolder(const QString& prefix, const QString& source,
                                  const QString& extension);
+    // Copies the file at source into the work folder as name.
+    bool CopyToWorkFolder(const QString& source, const QString& name, QString* why = nullptr);
     void DeleteWorkFolderFile(const QString& fileName);
     // Throws AppError when the picture cannot be written.
     void SavePictureBoxImage(const QImage& picture, int format, const QString& path);

@@ -5,7 +5,6 @@
 #include "PlainFileName.h"
 
 #include <QDir>
-#include <sstream>
 
 namespace {
 using A = DomAttributes;
@@ -56,9 +55,7 @@ bool clsMessage::ReplaceDocument(const QByteArray& xml) {
 }
 
 QByteArray clsMessage::DocumentXml() const {
-    std::ostringstream out;
-    m_document.save(out, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
-    return QByteArray::fromStdString(out.str());
+    return A::bytes(m_document, "", pugi::format_raw | pugi::format_no_declaration);
 }
 
 void clsMessage::attachDocument(const QString& name) {

@@ -27,6 +27,13 @@ void clsSlides::Remove(int index) {
     renumber();
 }
 
+qint64 clsSlides::TotalDuration() const {
+    qint64 total = 0;
+    for (const auto& slide : m_slides)
+        total += slide->Duration();
+    return total;
+}
+
 void clsSlides::Move(int from, int to) {
     if (from == to)
         return;

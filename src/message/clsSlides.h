@@ -24,6 +24,8 @@ public:
     clsSlide& Item(int index);
     const clsSlide& Item(int index) const;
     int Count() const { return int(m_slides.size()); }
+    // How long the message plays: every slide's duration added up, in ms.
+    qint64 TotalDuration() const;
     void Remove(int index);
     // Takes slide from out of the list and puts it at position to, then
     // renumbers; the slide keeps its contents and its in-memory picture.

@@ -7,21 +7,11 @@
 
 #include <QFileInfo>
 
-namespace {
-const QString kTitle = QStringLiteral("Vellumo");
-} // namespace
-
 FileCommands::FileCommands(MessageDocument& document, RecentFilesList& recent, QWidget* window)
     : QObject(window), m_document(document), m_recent(recent), m_window(window) {}
 
 QString FileCommands::text(const char* key, const char* fallback) const {
     return AppGlobals::text(key, fallback);
-}
-
-QString FileCommands::windowCaption() const {
-    const QString name = m_fileName.isEmpty() ? text("STR_UNTITLED", "Untitled") + ".mms"
-                                              : QFileInfo(m_fileName).fileName();
-    return name + " -" + kTitle;
 }
 
 bool FileCommands::newMessage() {

@@ -17,8 +17,6 @@ public:
 
     // The message file's path; "" for a message never saved.
     QString fileName() const { return m_fileName; }
-    // The file name or "Untitled.mms", then " -" and the program's title.
-    QString windowCaption() const;
 
     bool newMessage();
     bool openDialog();

@@ -15,77 +15,58 @@ QString text(const char* key, const char* fallback) {
 SlideCommands::SlideCommands(MessageDocument& document, QWidget* window)
     : QObject(window), m_document(document), m_window(window) {}
 
-void SlideCommands::runStripCommand(int command, int slide) {
+bool SlideCommands::runStripCommand(int command, int slide) {
+    using T = ctlSlideThumbs;
+    if (command != T::AddSlide && slide < 1)
+        return command >= T::AddSlide && command <= T::DeleteText;
     switch (command) {
-    case ctlSlideThumbs::AddSlide:
-        return add();
-    case ctlSlideThumbs::InsertBefore:
-        return insertBefore(slide);
-    case ctlSlideThumbs::InsertAfter:
-        return insertAfter(slide);
-    case ctlSlideThumbs::DuplicateBefore:
-        return duplicateBefore(slide);
-    case ctlSlideThumbs::DuplicateAfter:
-        return duplicateAfter(slide);
-    case ctlSlideThumbs::DeleteSlide:
-        return deleteSlide(slide);
-    default:
-        break;
-    }
-    // The parts of a slide are removed from the slide the menu was for.
-    m_document.setCurrentSlide(slide);
-    if (command == ctlSlideThumbs::DeleteImage)
-        m_document.deleteSlidePicture();
-    else if (command == ctlSlideThumbs::DeleteSound)
-        m_document.deleteSlideSound();
-    else if (command == ctlSlideThumbs::DeleteText)
-        m_document.deleteSlideText();
-}
-
-bool SlideCommands::runMenuCommand(int number) {
-    const int current = m_document.currentSlide();
-    switch (number) {
-    case ctlMainMenu::AddSlide:
+    case T::AddSlide:
         add();
         return true;
-    case ctlMainMenu::InsertBefore:
-        onSlide(current, &SlideCommands::insertBefore);
+    case T::InsertBefore:
+        insertBefore(slide);
         return true;
-    case ctlMainMenu::InsertAfter:
-        onSlide(current, &SlideCommands::insertAfter);
+    case T::InsertAfter:
+        insertAfter(slide);
         return true;
-    case ctlMainMenu::DuplicateBefore:
-        onSlide(current, &SlideCommands::duplicateBefore);
+    case T::DuplicateBefore:
+        duplicateBefore(slide);
         return true;
-    case ctlMainMenu::DuplicateAfter:
-        onSlide(current, &SlideCommands::duplicateAfter);
+    case T::DuplicateAfter:
+        duplicateAfter(slide);
         return true;
-    case ctlMainMenu::DeleteSlide:
-        onSlide(current, &SlideCommands::deleteSlide);
+    case T::DeleteSlide:
+        deleteSlide(slide);
         return true;
-    case ctlMainMenu::DeleteImage:
-        m_document.deleteSlidePicture();
-        return true;
-    case ctlMainMenu::DeleteSound:
-        m_document.deleteSlideSound();
-        return true;
-    case ctlMainMenu::DeleteText:
-        m_document.deleteSlideText();
-        return true;
-    case ctlMainMenu::MoveSlideUp:
-        m_document.moveSlide(current, current - 1);
-        return true;
-    case ctlMainMenu::MoveSlideDown:
-        m_document.moveSlide(current, current + 1);
+    case T::DeleteImage:
+    case T::DeleteSound:
+    case T::DeleteText:
+        deletePart(command, slide);
         return true;
     default:
         return false;
     }
 }
 
-void SlideCommands::onSlide(int slide, void (SlideCommands::*command)(int)) {
-    if (slide > 0)
-        (this->*command)(slide);
+// The parts of a slide are removed from the slide the menu was for.
+void SlideCommands::deletePart(int command, int slide) {
+    m_document.setCurrentSlide(slide);
+    if (command == ctlSlideThumbs::DeleteImage)
+        m_document.deleteSlidePicture();
+    else if (command == ctlSlideThumbs::DeleteSound)
+        m_document.deleteSlideSound();
+    else
+        m_document.deleteSlideText();
+}
+
+bool SlideCommands::runMenuCommand(int number) {
+    const int current = m_document.currentSlide();
+    if (number == ctlMainMenu::MoveSlideUp || number == ctlMainMenu::MoveSlideDown) {
+        m_document.moveSlide(current, current + (number == ctlMainMenu::MoveSlideUp ? -1 : 1));
+        return true;
+    }
+    return number > ctlMainMenu::SlideCommandOffset &&
+           runStripCommand(number - ctlMainMenu::SlideCommandOffset, current);
 }
 
 void SlideCommands::add() {

@@ -15,8 +15,9 @@ class SlideCommands : public QObject {
 public:
     SlideCommands(MessageDocument& document, QWidget* window);
 
-    // A command of the strip's menu (its numbers) for slide (1-based).
-    void runStripCommand(int command, int slide);
+    // A command of the strip's menu (its numbers) for slide (1-based); false
+    // for a number that is no slide command.
+    bool runStripCommand(int command, int slide);
     // A command of the menu bar's Slide menu, for the current slide; false for
     // a number that is no slide command.
     bool runMenuCommand(int number);
@@ -35,7 +36,7 @@ signals:
 private:
     bool confirmed(const char* setting, const QString& text, const char* titleKey,
                    const char* titleFallback) const;
-    void onSlide(int slide, void (SlideCommands::*command)(int));
+    void deletePart(int command, int slide);
 
     MessageDocument& m_document;
     QWidget* m_window;

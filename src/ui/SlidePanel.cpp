@@ -104,13 +104,8 @@ void SlidePanel::showSlide(const clsMessage* message, int slide) {
         return;
     }
     const clsSlide& shown = message->Slides().Item(slide);
-    const bool drawn = shown.DrawObjects().Count() > 0 ||
-                       shown.DrawObjects().BackType() != clsDrawObjects::BackColorOnly;
-    m_picture->setPicture(!shown.image().isNull() ? shown.image()
-                          : drawn
-                              ? SlideRenderer(message->Path(), SlideRenderer::surfaceFromSettings())
-                                    .render(shown.DrawObjects())
-                              : QImage());
+    const SlideRenderer renderer(message->Path(), SlideRenderer::surfaceFromSettings());
+    m_picture->setPicture(SlideRenderer::hasPicture(shown) ? renderer.picture(shown) : QImage());
     QString text = shown.Text();
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     if (txtMessage->toPlainText() != text)

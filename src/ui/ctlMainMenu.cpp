@@ -1,6 +1,7 @@
 #include "ctlMainMenu.h"
 
 #include "AppGlobals.h"
+#include "SlideMenuDescriptor.h"
 #include "clsPopupMenu.h"
 
 #include <QMenu>
@@ -157,23 +158,9 @@ QString ctlMainMenu::fileDescriptor() const {
 }
 
 QString ctlMainMenu::slideDescriptor() const {
-    const QString before = AppGlobals::text("MNU_SLIDE_BEFORE", "Before");
-    const QString after = AppGlobals::text("MNU_SLIDE_AFTER", "After");
-    auto sub = [this](const QString& caption, int number) {
-        return (isItemEnabled(number) ? QString() : QStringLiteral("!")) + caption + u';' +
-               QString::number(number);
-    };
-    return item("MNU_SLIDE_ADD", "Add", AddSlide) + u',' +
-           AppGlobals::text("MNU_SLIDE_INSERT", "Insert") + ";0|" + sub(before, InsertBefore) +
-           u'|' + sub(after, InsertAfter) + u',' +
-           AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate") + ";0|" +
-           sub(before, DuplicateBefore) + u'|' + sub(after, DuplicateAfter) + u',' +
-           AppGlobals::text("MNU_SLIDE_DELETE", "Delete") + ";0|" +
-           item("MNU_SLIDE_DELETE_SLIDE", "Slide", DeleteSlide) + "|-|" +
-           item("MNU_SLIDE_DELETE_IMAGE", "Image", DeleteImage) + u'|' +
-           item("MNU_SLIDE_DELETE_SOUND", "Sound", DeleteSound) + u'|' +
-           item("MNU_SLIDE_DELETE_TEXT", "Text", DeleteText) + u',' +
-           item("MNU_SLIDE_MOVE_UP", "Move up", MoveSlideUp) + u',' +
+    return SlideMenuDescriptor::build(
+               SlideCommandOffset, [this](int number) { return isItemEnabled(number); }, false) +
+           u',' + item("MNU_SLIDE_MOVE_UP", "Move up", MoveSlideUp) + u',' +
            item("MNU_SLIDE_MOVE_DOWN", "Move down", MoveSlideDown) + ",-," +
            item("MNU_SLIDE_BACKGROUND", "Background", Background) + ",-," +
            item("MNU_SLIDE_PREVIEW", "Preview", Preview) + u',' +

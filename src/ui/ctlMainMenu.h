@@ -17,6 +17,8 @@ class ctlMainMenu : public QMenuBar {
     Q_OBJECT
 public:
     enum Menu { FileMenu = 0, SlideMenu = 1, HelpMenu = 2, EditMenu = 3 };
+    // The Slide menu's commands are the strip's, numbered ten higher.
+    static constexpr int SlideCommandOffset = 10;
     enum Command {
         New = 1,
         Open = 2,

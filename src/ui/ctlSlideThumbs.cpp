@@ -2,6 +2,7 @@
 
 #include "AppGlobals.h"
 #include "SlideListModel.h"
+#include "SlideMenuDescriptor.h"
 #include "clsPopupMenu.h"
 
 #include <QContextMenuEvent>
@@ -69,29 +70,11 @@ void ctlSlideThumbs::keyPressEvent(QKeyEvent* event) {
     QListView::keyPressEvent(event);
 }
 
-namespace {
-QString item(const QString& caption, int number) {
-    return caption + u';' + QString::number(number);
-}
-QString item(const char* key, const char* fallback, int number) {
-    return item(AppGlobals::text(key, fallback), number);
-}
-} // namespace
-
 QString ctlSlideThumbs::menuDescriptor(bool forSlide) const {
-    const QString all = m_menuEnabled ? QString() : QStringLiteral("!");
-    const QString slide = m_menuEnabled && forSlide ? QString() : QStringLiteral("!");
-    const QString before = AppGlobals::text("MNU_SLIDE_BEFORE", "Before");
-    const QString after = AppGlobals::text("MNU_SLIDE_AFTER", "After");
-    return all + item("MNU_SLIDE_ADD", "Add", AddSlide) + u',' + slide +
-           item("MNU_SLIDE_INSERT", "Insert", 0) + u'|' + item(before, InsertBefore) + u'|' +
-           item(after, InsertAfter) + u',' + slide + item("MNU_SLIDE_DUPLICATE", "Duplicate", 0) +
-           u'|' + item(before, DuplicateBefore) + u'|' + item(after, DuplicateAfter) + ",-," +
-           slide + item("MNU_SLIDE_DELETE", "Delete", 0) + u'|' +
-           item("MNU_SLIDE_DELETE_SLIDE", "Slide", DeleteSlide) + "|-|" +
-           item("MNU_SLIDE_DELETE_IMAGE", "Image", DeleteImage) + u'|' +
-           item("MNU_SLIDE_DELETE_SOUND", "Sound", DeleteSound) + u'|' +
-           item("MNU_SLIDE_DELETE_TEXT", "Text", DeleteText);
+    return SlideMenuDescriptor::build(
+        0,
+        [this, forSlide](int number) { return m_menuEnabled && (forSlide || number == AddSlide); },
+        true);
 }
 
 // From the mouse the menu is for the slide under it; from the keyboard (the

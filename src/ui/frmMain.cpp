@@ -8,6 +8,7 @@
 #include "SlideCommands.h"
 #include "SlidePanel.h"
 #include "VbFormat.h"
+#include "clsMessage.h"
 #include "clsPropertiesXML.h"
 #include "clsXMLocalizer.h"
 #include "ctlMainMenu.h"
@@ -159,18 +160,22 @@ void frmMain::onMenuClick(int number) {
 }
 
 void frmMain::onSlidesChanged() {
-    m_thumbs->DrawThumbs(m_document->message());
-    onCurrentSlideChanged(m_document->currentSlide());
+    const clsMessage* message = m_document->message();
+    m_thumbs->DrawThumbs(message);
+    m_panel->showTotal(message ? message->Slides().TotalDuration() : 0);
+    showSlide(m_document->currentSlide());
 }
 
+// An edit that moves the current slide has shown it with its slides already.
 void frmMain::onCurrentSlideChanged(int slide) {
+    if (slide != m_shownSlide)
+        showSlide(slide);
+}
+
+void frmMain::showSlide(int slide) {
+    m_shownSlide = slide;
     m_thumbs->SelectSlide(slide);
     m_panel->showSlide(m_document->message(), slide);
-    qint64 total = 0;
-    if (const clsMessage* message = m_document->message())
-        for (const auto& each : message->Slides())
-            total += each->Duration();
-    m_panel->showTotal(total);
     showStatus();
 }
 
@@ -194,7 +199,10 @@ void frmMain::showProgress(int slide, int count) {
 }
 
 QString frmMain::windowCaption() const {
-    return m_files->windowCaption();
+    const QString file = m_files->fileName();
+    const QString name =
+        file.isEmpty() ? text("STR_UNTITLED", "Untitled") + ".mms" : QFileInfo(file).fileName();
+    return name + " -" + applicationTitle();
 }
 
 void frmMain::TranslateForm() {

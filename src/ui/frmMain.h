@@ -55,6 +55,7 @@ private:
     void onMenuClick(int number);
     void onSlidesChanged();
     void onCurrentSlideChanged(int slide);
+    void showSlide(int slide);
     void showStatus();
     void showProgress(int slide, int count);
     void restorePosition();
@@ -74,4 +75,5 @@ private:
     QProgressBar* m_progress;
     QTimer TimerExitWait;
     bool m_exitDecided = false;
+    int m_shownSlide = 0;
 };

@@ -1,3 +1,4 @@
+#include "ProgramRun.h"
 #include "QtPrinters.h"
 
 #include <QFileInfo>
@@ -6,14 +7,6 @@
 #include <QTemporaryDir>
 #include <QThread>
 #include <gtest/gtest.h>
-
-namespace {
-struct CliRun {
-    int exitCode;
-    QString out;
-    QString err;
-};
-} // namespace
 
 // The programs as a user's script runs them: built binaries, shipped data
 // beside them, a fresh data folder.
@@ -28,13 +21,10 @@ protected:
         return env;
     }
 
-    CliRun cli(const QStringList& arguments) const {
-        QProcess process;
-        process.setProcessEnvironment(environment());
-        process.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli", arguments);
-        EXPECT_TRUE(process.waitForFinished(60000));
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()).trimmed(),
-                QString::fromUtf8(process.readAllStandardError())};
+    ProgramRun cli(const QStringList& arguments) const {
+        ProgramRun run = runProgram(cliProgram(), arguments, environment());
+        run.out = run.out.trimmed();
+        return run;
     }
 
     QString userFile() const { return m_dataHome.path() + "/Vellumo/vellumo.xml"; }
@@ -49,29 +39,26 @@ TEST_F(CliTest, SettingsAreReadAndWrittenInTheUsersFile) {
     EXPECT_EQ(cli({"settings", "get", "preferences", "Language"}).out, "en-us");
     EXPECT_EQ(cli({"settings", "get", "nothing", "here", "fallback"}).out, "fallback");
 
-    const CliRun set = cli({"settings", "set", "preferences", "SlideDuration", "4500"});
-    EXPECT_EQ(set.exitCode, 0) << set.err.toStdString();
+    const ProgramRun set = cli({"settings", "set", "preferences", "SlideDuration", "4500"});
+    EXPECT_EQ(set.code, 0) << set.err.toStdString();
     EXPECT_EQ(cli({"settings", "get", "preferences", "SlideDuration"}).out, "4500");
     EXPECT_TRUE(QFileInfo::exists(m_dataHome.path() + "/Vellumo/archive/Sounds/chime.wav"));
 }
 
 TEST_F(CliTest, BadCommandLinesGiveUsageAndACode) {
-    const CliRun none = cli({});
-    EXPECT_EQ(none.exitCode, 64);
+    const ProgramRun none = cli({});
+    EXPECT_EQ(none.code, 64);
     EXPECT_TRUE(none.err.contains("settings get SECTION KEY"));
-    EXPECT_EQ(cli({"settings", "get", "onlysection"}).exitCode, 64);
-    EXPECT_EQ(cli({"settings", "set", "s", "", "v"}).exitCode, 1);
+    EXPECT_EQ(cli({"settings", "get", "onlysection"}).code, 64);
+    EXPECT_EQ(cli({"settings", "set", "s", "", "v"}).code, 1);
 }
 
 TEST_F(CliTest, LocaleChoosesTheFirstLanguage) {
-    QProcess process;
     QProcessEnvironment env = environment();
     env.insert("LANG", "de_DE.UTF-8");
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli",
-                  {"settings", "get", "preferences", "Language"});
-    ASSERT_TRUE(process.waitForFinished(60000));
-    EXPECT_EQ(QString::fromUtf8(process.readAllStandardOutput()).trimmed(), "de-de");
+    EXPECT_EQ(
+        runProgram(cliProgram(), {"settings", "get", "preferences", "Language"}, env).out.trimmed(),
+        "de-de");
 }
 
 TEST_F(CliTest, ASecondProgramStartLeavesAtOnceAndTheFirstComesForward) {

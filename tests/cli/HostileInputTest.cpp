@@ -1,3 +1,4 @@
+#include "ProgramRun.h"
 #include "QtPrinters.h"
 
 #include <QCryptographicHash>
@@ -24,11 +25,7 @@
 // program's own message and code, with the user's files exactly as they were.
 class HostileInputTest : public ::testing::Test {
 protected:
-    struct Result {
-        int code;
-        QString out;
-        QString err;
-    };
+    using Result = ProgramRun;
 
     void SetUp() override {
         ASSERT_TRUE(m_home.isValid());
@@ -41,7 +38,7 @@ protected:
     static QString archive(const QString& file) {
         return QStringLiteral(VELLUMO_SOURCE_DIR) + "/data/archive/" + file;
     }
-    static QString cliPath() { return QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli"; }
+    static QString cliPath() { return cliProgram(); }
 
     QProcessEnvironment environment() const {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -53,26 +50,14 @@ protected:
     }
 
     Result cli(const QStringList& arguments) const {
-        QProcess process;
-        process.setProcessEnvironment(environment());
-        process.setWorkingDirectory(m_home.path());
-        process.start(cliPath(), arguments);
-        EXPECT_TRUE(process.waitForFinished(180000));
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
+        return runProgram(cliPath(), arguments, environment(), m_home.path());
     }
 
     // A shell line, with CLI standing for the tool.
     Result shell(const QString& line) const {
-        QProcess process;
         QProcessEnvironment env = environment();
         env.insert("CLI", cliPath());
-        process.setProcessEnvironment(env);
-        process.setWorkingDirectory(m_home.path());
-        process.start("bash", {"-c", line});
-        EXPECT_TRUE(process.waitForFinished(180000));
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
+        return runProgram("bash", {"-c", line}, env, m_home.path());
     }
 
     void writeFile(const QString& name, const QByteArray& bytes) const {
@@ -109,16 +94,6 @@ protected:
 
     QStringList leftovers() const {
         return QDir(tmp()).entryList({"Vellumo-*"}, QDir::AllEntries | QDir::Hidden);
-    }
-
-    static QStringList tarMembers(const QString& file) {
-        QProcess tar;
-        tar.start("tar", {"tf", file});
-        tar.waitForFinished();
-        QStringList names =
-            QString::fromUtf8(tar.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
-        names.sort();
-        return names;
     }
 
     // A one-slide message of a still background, unpacked into folder "name".

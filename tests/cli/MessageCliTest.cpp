@@ -1,4 +1,5 @@
 #include "PhotoSamples.h"
+#include "ProgramRun.h"
 #include "QtPrinters.h"
 
 #include <QDataStream>
@@ -6,7 +7,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
-#include <QProcess>
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -15,11 +15,7 @@
 // Messages built, inspected, unpacked and packed the way a user's script does.
 class MessageCliTest : public ::testing::Test {
 protected:
-    struct Result {
-        int code;
-        QString out;
-        QString err;
-    };
+    using Result = ProgramRun;
 
     Result cli(const QStringList& arguments) const { return run(cliPath(), arguments); }
 
@@ -31,29 +27,13 @@ protected:
     }
 
     Result run(const QString& program, const QStringList& arguments) const {
-        QProcess process;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         env.insert("XDG_DATA_HOME", m_home.path() + "/xdg");
-        process.setProcessEnvironment(env);
-        process.setWorkingDirectory(m_home.path());
-        process.start(program, arguments);
-        EXPECT_TRUE(process.waitForFinished(120000));
-        return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
-    }
-
-    QStringList tarList(const QString& file) const {
-        QProcess tar;
-        tar.start("tar", {"tzf", file});
-        tar.waitForFinished();
-        QStringList names =
-            QString::fromUtf8(tar.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
-        names.sort();
-        return names;
+        return runProgram(program, arguments, env, m_home.path());
     }
 
     QString path(const QString& name) const { return m_home.path() + "/" + name; }
-    static QString cliPath() { return QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli"; }
+    static QString cliPath() { return cliProgram(); }
 
     // A PCM WAV of silence: 8 kHz, mono, 16 bits.
     void writeSilentWav(const QString& name, int seconds) const {
@@ -116,7 +96,7 @@ TEST_F(MessageCliTest, AScriptedMessageSavesFlatAndReadsBack) {
                              archive("Animations/bouncing_ball.gif")});
     ASSERT_EQ(made.code, 0) << made.err.toStdString();
 
-    const QStringList members = tarList(path("card.mms"));
+    const QStringList members = tarMembers(path("card.mms"));
     ASSERT_EQ(members.size(), 8) << members.join(' ').toStdString();
     EXPECT_EQ(members.filter(QRegularExpression("^Slide_[123]\\.(bmp|gif)$")),
               QStringList({"Slide_1.bmp", "Slide_2.bmp", "Slide_3.gif"}));
@@ -153,7 +133,7 @@ TEST_F(MessageCliTest, UnpackAndPackGoBothWays) {
     EXPECT_EQ(cli({"unpack", "a.mms", "folder"}).code, 1) << "a folder with files is refused";
     QFile::remove(path("folder/Slide_2.bmp"));
     ASSERT_EQ(cli({"pack", "folder", "b.mms"}).code, 0);
-    EXPECT_EQ(tarList(path("b.mms")), QStringList({"Slide_1.bmp", "Slide_2.bmp", "message.xml"}))
+    EXPECT_EQ(tarMembers(path("b.mms")), QStringList({"Slide_1.bmp", "Slide_2.bmp", "message.xml"}))
         << "slide files are rendered anew";
     EXPECT_EQ(cli({"pack", "nothing-here", "c.mms"}).code, 1);
     EXPECT_FALSE(QFileInfo::exists(path("c.mms")));
@@ -326,7 +306,7 @@ TEST_F(MessageCliTest, AReplacedBackgroundLeavesNothingInTheMessage) {
         cli({"new", "m.mms", "--slide", "--background", archive("Backgrounds/sky_gradient.jpg"),
              "--background", archive("Backgrounds/pink_dots.gif")});
     ASSERT_EQ(made.code, 0) << made.err.toStdString();
-    const QStringList members = tarList(path("m.mms"));
+    const QStringList members = tarMembers(path("m.mms"));
     EXPECT_EQ(members.filter(QRegularExpression("^B.*\\.")).size(), 1)
         << members.join(' ').toStdString();
     EXPECT_EQ(members.filter(QRegularExpression("^B.*\\.gif$")).size(), 1)

@@ -1,8 +1,8 @@
+#include "ProgramRun.h"
 #include "RawObexPeer.h"
 #include "TempDataHome.h"
 #include "TransferTestSupport.h"
 
-#include <QProcess>
 #include <gtest/gtest.h>
 
 // vellumo-cli send, run the way a user's script runs it.
@@ -14,11 +14,8 @@ protected:
     };
 
     Result send(const QStringList& arguments) {
-        QProcess cli;
-        cli.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli",
-                  QStringList{"send"} + arguments);
-        EXPECT_TRUE(cli.waitForFinished(60000));
-        return {cli.exitCode(), QString::fromLocal8Bit(cli.readAllStandardOutput()).trimmed()};
+        const ProgramRun run = runProgram(cliProgram(), QStringList{"send"} + arguments);
+        return {run.code, run.out.trimmed()};
     }
 
     QString messageFile() {

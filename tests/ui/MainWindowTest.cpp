@@ -2,6 +2,7 @@
 #include "DialogService.h"
 #include "FileCommands.h"
 #include "MessageDocument.h"
+#include "ProgramRun.h"
 #include "SettingsBootstrap.h"
 #include "SlidePanel.h"
 #include "TempDataHome.h"
@@ -14,7 +15,6 @@
 #include <QApplication>
 #include <QMenu>
 #include <QPlainTextEdit>
-#include <QProcess>
 #include <QPushButton>
 #include <QTest>
 #include <memory>
@@ -44,11 +44,8 @@ protected:
         }
         return *m_window;
     }
-    QString cliInfo(const QString& file) const {
-        QProcess cli;
-        cli.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli", {"info", file});
-        cli.waitForFinished(60000);
-        return QString::fromUtf8(cli.readAllStandardOutput());
+    static QString cliInfo(const QString& file) {
+        return runProgram(cliProgram(), {"info", file}).out;
     }
     // Opens a menu of the bar by Alt and its letter and chooses with keys.
     void menuKeys(Qt::Key title, const QList<Qt::Key>& keys) {
@@ -217,11 +214,10 @@ TEST_F(MainWindowTest, UnsavedChangesAreAskedAboutBeforeNewOrOpen) {
 
 TEST_F(MainWindowTest, TheCommandLinesFileOpensWithProgressAndThePlaceIsKept) {
     const QString file = dataFile("given.mms");
-    QProcess cli;
-    cli.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli",
-              {"new", file, "--slide", "1000", "--slide-text", "one", "--slide", "--slide",
-               "--slide-text", "three"});
-    ASSERT_TRUE(cli.waitForFinished(60000) && cli.exitCode() == 0);
+    ASSERT_EQ(runProgram(cliProgram(), {"new", file, "--slide", "1000", "--slide-text", "one",
+                                        "--slide", "--slide", "--slide-text", "three"})
+                  .code,
+              0);
     QStringList progress;
     QObject::connect(
         &window().manager(), &clsMMSManager::ProsessingSlide,

@@ -1,5 +1,6 @@
 #include "MessageDocument.h"
 #include "AppGlobals.h"
+#include "ProgramRun.h"
 #include "SettingsBootstrap.h"
 #include "TempDataHome.h"
 #include "clsMMSManager.h"
@@ -8,7 +9,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <QProcessEnvironment>
 #include <QSignalSpy>
 #include <algorithm>
@@ -345,14 +345,11 @@ TEST_F(MessageDocumentTest, ASavedMessageReadsBackInTheCommandLineTool) {
     m_document.deleteSlide(4);
     ASSERT_TRUE(m_document.saveMessage(path("edited.mms")));
 
-    QProcess cli;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("XDG_DATA_HOME", path("cli-data"));
-    cli.setProcessEnvironment(env);
-    cli.start(QStringLiteral(VELLUMO_BUILD_DIR) + "/vellumo-cli", {"info", path("edited.mms")});
-    ASSERT_TRUE(cli.waitForFinished(120000));
-    const QString out = QString::fromUtf8(cli.readAllStandardOutput());
-    ASSERT_EQ(cli.exitCode(), 0) << cli.readAllStandardError().toStdString();
+    const ProgramRun cli = runProgram(cliProgram(), {"info", path("edited.mms")}, env);
+    const QString out = cli.out;
+    ASSERT_EQ(cli.code, 0) << cli.err.toStdString();
     EXPECT_TRUE(out.contains("slides: 3\n")) << out.toStdString();
     EXPECT_TRUE(out.contains("slide 2: duration 2500 ms, file Slide_2.bmp"));
     EXPECT_TRUE(out.contains("  text: \"first\\nslide\""));
