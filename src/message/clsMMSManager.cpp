@@ -137,8 +137,7 @@ QString clsMMSManager::SaveFileToWorkFolder(const QString& prefix, const QString
                                             const QString& extension) {
     const QString name = UniqueNamer::immediate(
         prefix, extension.isEmpty() ? GetFilenameExtension(source) : extension);
-    CopyToWorkFolder(AppPaths::toDisk(source), name);
-    return name;
+    return CopyToWorkFolder(AppPaths::toDisk(source), name) ? name : QString();
 }
 
 // A message that names a file its work folder lacks would be saved without

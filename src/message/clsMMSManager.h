@@ -53,6 +53,8 @@ public:
     static QString ReplaceFilenameExtension(const QString& fileName, const QString& extension);
 
     QString GetUniqueFileName(const QString& prefix, const QString& fileName);
+    // The new name, or "" when the file could not be copied: the window must
+    // not put a name in the message that its work folder lacks.
     QString SaveFileToWorkFolder(const QString& prefix, const QString& source,
                                  const QString& extension);
     // Copies the file at source into the work folder as name.

@@ -89,6 +89,8 @@ TEST_F(MmsManagerTest, UniqueNamesDifferEvenWithinOneMillisecond) {
     EXPECT_TRUE(saved.startsWith("X051114_"));
     EXPECT_TRUE(saved.endsWith(".MP3")) << "kept as given";
     EXPECT_EQ(readFile(m_work + saved), "mp3 data");
+    EXPECT_EQ(m_manager.SaveFileToWorkFolder("X", dataFile("gone.mp3"), ""), "")
+        << "a file that cannot be copied gives no name";
     m_manager.DeleteWorkFolderFile(saved);
     m_manager.DeleteWorkFolderFile("");
     m_manager.DeleteWorkFolderFile("never-there");
