@@ -28,9 +28,9 @@ QString seconds(qint64 ms) {
 SlidePanel::SlidePanel(QWidget* parent)
     : QWidget(parent), m_picture(new SlidePictureView(this)), txtMessage(new QPlainTextEdit(this)),
       m_time(new ctlSlideTime(this)), lblText(buddyLabel(txtMessage)),
-      lblSlideTime(buddyLabel(m_time)), lblTime(new QLabel(this)), lblSound(new QLabel(this)),
-      cmdAddNewSlide(new QPushButton(this)), cmdDuplicateSlide(new QPushButton(this)),
-      cmdDeleteSlide(new QPushButton(this)) {
+      lblSlideTime(buddyLabel(m_time)), lblTotal(new QLabel(this)), lblTime(new QLabel(this)),
+      lblSound(new QLabel(this)), cmdAddNewSlide(new QPushButton(this)),
+      cmdDuplicateSlide(new QPushButton(this)), cmdDeleteSlide(new QPushButton(this)) {
     txtMessage->setObjectName(QStringLiteral("txtMessage"));
     txtMessage->setTabChangesFocus(true);
     txtMessage->setMaximumHeight(fontMetrics().lineSpacing() * 4);
@@ -65,7 +65,10 @@ void SlidePanel::buildLayout() {
     fields->addWidget(txtMessage, 0, 1, 1, 3);
     fields->addWidget(lblSlideTime, 1, 0);
     fields->addWidget(m_time, 1, 1);
-    fields->addWidget(lblTime, 1, 2);
+    auto* total = new QHBoxLayout;
+    total->addWidget(lblTotal);
+    total->addWidget(lblTime);
+    fields->addLayout(total, 1, 2);
     fields->addWidget(lblSound, 1, 3);
     fields->setColumnStretch(3, 1);
     auto* buttons = new QHBoxLayout;
@@ -89,7 +92,7 @@ void SlidePanel::TranslateForm() {
     cmdDuplicateSlide->setText(AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate"));
     cmdDeleteSlide->setText(AppGlobals::text("BTN_DELETE", "Delete"));
     m_picture->setEmptyText(AppGlobals::text("STR_CLICK_TO_ADD", "Pick a picture on the right."));
-    lblTime->setAccessibleDescription(AppGlobals::text("STR_TOTAL_TIME", "Total time"));
+    lblTotal->setText(AppGlobals::text("STR_TOTAL_TIME", "Total time") + u':');
     lblSound->setAccessibleDescription(AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
     m_picture->setAccessibleName(AppGlobals::text("STR_SLIDE_PICTURE", "Slide picture"));
 }

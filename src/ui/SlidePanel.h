@@ -48,6 +48,7 @@ private:
     ctlSlideTime* m_time;
     QLabel* lblText;
     QLabel* lblSlideTime;
+    QLabel* lblTotal;
     QLabel* lblTime;
     QLabel* lblSound;
     QPushButton* cmdAddNewSlide;

@@ -17,18 +17,24 @@ const Title kTitles[] = {
 const int kBarOrder[] = {ctlMainMenu::FileMenu, ctlMainMenu::EditMenu, ctlMainMenu::SlideMenu,
                          ctlMainMenu::HelpMenu};
 
-// The platform's keys where it has standard ones, our own for the rest.
+// The platform's keys where it has standard ones, else ours: some desktops
+// bind no key to Save as.
+QList<QKeySequence> standardOr(QKeySequence::StandardKey key, const QKeySequence& ours) {
+    const QList<QKeySequence> bound = QKeySequence::keyBindings(key);
+    return bound.isEmpty() ? QList<QKeySequence>{ours} : bound;
+}
+
 const QHash<int, QList<QKeySequence>>& shortcutKeys() {
     using K = QKeySequence;
     static const QHash<int, QList<QKeySequence>> keys{
-        {ctlMainMenu::New, K::keyBindings(K::New)},
-        {ctlMainMenu::Open, K::keyBindings(K::Open)},
-        {ctlMainMenu::Save, K::keyBindings(K::Save)},
-        {ctlMainMenu::SaveAs, K::keyBindings(K::SaveAs)},
-        {ctlMainMenu::Exit, K::keyBindings(K::Quit)},
-        {ctlMainMenu::Help, K::keyBindings(K::HelpContents)},
-        {ctlMainMenu::Undo, K::keyBindings(K::Undo)},
-        {ctlMainMenu::Redo, K::keyBindings(K::Redo)},
+        {ctlMainMenu::New, standardOr(K::New, K(Qt::CTRL | Qt::Key_N))},
+        {ctlMainMenu::Open, standardOr(K::Open, K(Qt::CTRL | Qt::Key_O))},
+        {ctlMainMenu::Save, standardOr(K::Save, K(Qt::CTRL | Qt::Key_S))},
+        {ctlMainMenu::SaveAs, standardOr(K::SaveAs, K(Qt::CTRL | Qt::SHIFT | Qt::Key_S))},
+        {ctlMainMenu::Exit, standardOr(K::Quit, K(Qt::CTRL | Qt::Key_Q))},
+        {ctlMainMenu::Help, standardOr(K::HelpContents, K(Qt::Key_F1))},
+        {ctlMainMenu::Undo, standardOr(K::Undo, K(Qt::CTRL | Qt::Key_Z))},
+        {ctlMainMenu::Redo, standardOr(K::Redo, K(Qt::CTRL | Qt::SHIFT | Qt::Key_Z))},
         {ctlMainMenu::MoveSlideUp, {K(Qt::CTRL | Qt::SHIFT | Qt::Key_Up)}},
         {ctlMainMenu::MoveSlideDown, {K(Qt::CTRL | Qt::SHIFT | Qt::Key_Down)}},
     };

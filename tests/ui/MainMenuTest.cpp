@@ -93,3 +93,10 @@ TEST_F(MainMenuTest, ClosedMenusFollowTheStateWithoutBeingOpened) {
     ASSERT_NE(info, nullptr);
     EXPECT_FALSE(info->isEnabled()) << "a screen reader sees the menu as it is";
 }
+
+TEST_F(MainMenuTest, EveryFileAndEditCommandHasAKeyOnThisDesktop) {
+    for (const char* caption : {"New", "Open", "Save", "Save as", "Exit"})
+        EXPECT_FALSE(find(opened(0), caption)->shortcut().isEmpty()) << caption;
+    for (const char* caption : {"Undo", "Redo"})
+        EXPECT_FALSE(find(opened(1), caption)->shortcut().isEmpty()) << caption;
+}
