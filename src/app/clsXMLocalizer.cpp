@@ -4,7 +4,9 @@
 #include "LocaleInfo.h"
 #include "clsPropertiesXML.h"
 
+#include <QCoreApplication>
 #include <QFont>
+#include <QLibraryInfo>
 #include <QObject>
 #include <QVariant>
 #include <array>
@@ -112,7 +114,21 @@ bool clsXMLocalizer::SetLanguage(const QString& code) {
     if (!loadLanguageFile(m_langPath + language + ".xml") && language != QLatin1String("en-us"))
         loadLanguageFile(m_langPath + "en-us.xml");
     m_language = language;
+    useQtTexts(language);
     return true;
+}
+
+// Qt's own texts (the buttons of message boxes, the file dialogs, key names
+// in menus) follow the program's language, not the system's.
+void clsXMLocalizer::useQtTexts(const QString& language) {
+    if (!QCoreApplication::instance())
+        return;
+    if (m_qtTexts)
+        QCoreApplication::removeTranslator(m_qtTexts.get());
+    m_qtTexts = std::make_unique<QTranslator>();
+    if (m_qtTexts->load("qtbase_" + language.section(u'-', 0, 0),
+                        QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(m_qtTexts.get());
 }
 
 bool clsXMLocalizer::IsLanguageInstalled(const QString& code) const {

@@ -5,7 +5,9 @@
 #include <QPair>
 #include <QString>
 #include <QStringList>
+#include <QTranslator>
 #include <cstdint>
+#include <memory>
 
 class QFont;
 class QObject;
@@ -48,6 +50,7 @@ public:
                               const QString& element);
 
 private:
+    void useQtTexts(const QString& language);
     bool loadLanguageFile(const QString& fileName);
     void translateControl(QObject* control, const QString& windowName) const;
     bool hasEnglishThreadLocale() const;
@@ -55,6 +58,7 @@ private:
     clsPropertiesXML& m_settings;
     QString m_langPath;
     QString m_language;
+    std::unique_ptr<QTranslator> m_qtTexts;
     QString m_langFileName;
     QString m_loadError;
     QHash<QString, QString> m_translations;

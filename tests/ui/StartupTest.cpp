@@ -85,6 +85,8 @@ TEST_F(StartupTest, GermanSettingsGiveGermanTextsAndHelp) {
     ASSERT_FALSE(modMain::Main({"vellumo"}).has_value());
     EXPECT_EQ(AppGlobals::helpFile(), programFile("help/de-de.html"));
     EXPECT_EQ(modMain::mainWindow()->windowTitle(), "Unbenannt.mms -Vellumo");
+    EXPECT_EQ(QCoreApplication::translate("QPlatformTheme", "&Yes"), "&Ja")
+        << "the buttons of message boxes speak the program's language";
 }
 
 TEST_F(StartupTest, ASecondCopyHandsOverItsCommandLineWithoutTouchingSettings) {
