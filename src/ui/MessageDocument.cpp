@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+MessageDocument::~MessageDocument() = default;
+
 MessageDocument::MessageDocument(clsMMSManager& manager, QObject* parent)
     : QObject(parent), m_manager(manager) {
     connect(&m_history, &QUndoStack::cleanChanged, this,
@@ -52,6 +54,7 @@ void MessageDocument::startHistory() {
     const int previous = m_current;
     m_current = std::min(1, slideCount());
     ++m_visit;
+    m_liveBefore.reset();
     m_history.clear();
     announce(previous);
 }
@@ -79,15 +82,20 @@ bool MessageDocument::edit(const char* key, const QString& fallback,
     const int previous = m_current;
     MessageSnapshot before = MessageSnapshot::take(*message(), m_current);
     change();
-    MessageSnapshot after = MessageSnapshot::take(*message(), m_current);
-    if (!after.sameDataAs(before)) {
-        const int mergeId = typedInto ? int(*typedInto) : SnapshotCommand::kNoMerge;
-        m_history.push(new SnapshotCommand(
-            AppGlobals::text(key, fallback), std::move(before), std::move(after),
-            [this](const MessageSnapshot& state) { restore(state); }, mergeId, m_visit));
-    }
+    record(key, fallback, std::move(before), typedInto);
     announce(previous);
     return true;
+}
+
+void MessageDocument::record(const char* key, const QString& fallback, MessageSnapshot before,
+                             std::optional<Field> typedInto) {
+    MessageSnapshot after = MessageSnapshot::take(*message(), m_current);
+    if (after.sameDataAs(before))
+        return;
+    const int mergeId = typedInto ? int(*typedInto) : SnapshotCommand::kNoMerge;
+    m_history.push(new SnapshotCommand(
+        AppGlobals::text(key, fallback), std::move(before), std::move(after),
+        [this](const MessageSnapshot& state) { restore(state); }, mergeId, m_visit));
 }
 
 bool MessageDocument::editCurrent(const char* key, const QString& fallback,
@@ -197,4 +205,30 @@ bool MessageDocument::deleteSlideText() {
 bool MessageDocument::deleteSlideSound() {
     return editCurrent("MNU_SLIDE_DELETE_SOUND", "Remove sound",
                        [this](int index) { message()->DeleteSound(index); });
+}
+
+bool MessageDocument::editSlide(const char* key, const QString& fallback,
+                                const std::function<void(clsSlide& slide)>& change) {
+    return editCurrent(key, fallback, [&](int index) { change(message()->Slides().Item(index)); });
+}
+
+void MessageDocument::beginLiveEdit() {
+    if (message() && !m_liveBefore)
+        m_liveBefore =
+            std::make_unique<MessageSnapshot>(MessageSnapshot::take(*message(), m_current));
+}
+
+bool MessageDocument::finishLiveEdit(const char* key, const QString& fallback) {
+    if (!m_liveBefore)
+        return false;
+    std::unique_ptr<MessageSnapshot> before = std::move(m_liveBefore);
+    endFieldVisit();
+    record(key, fallback, std::move(*before), std::nullopt);
+    announce(m_current);
+    return true;
+}
+
+void MessageDocument::cancelLiveEdit() {
+    if (std::unique_ptr<MessageSnapshot> before = std::move(m_liveBefore))
+        restore(*before);
 }

@@ -3,10 +3,12 @@
 #include <QObject>
 #include <QUndoStack>
 #include <functional>
+#include <memory>
 #include <optional>
 
 class clsMMSManager;
 class clsMessage;
+class clsSlide;
 class MessageSnapshot;
 
 // The open message as the windows see it: the message of the manager, the
@@ -20,8 +22,10 @@ public:
     enum class Field { SlideText = 1, SlideDuration = 2 };
 
     explicit MessageDocument(clsMMSManager& manager, QObject* parent = nullptr);
+    ~MessageDocument() override;
 
     clsMessage* message() const;
+    clsMMSManager& manager() const { return m_manager; }
     int currentSlide() const { return m_current; }
     int slideCount() const;
     bool isModified() const { return !m_history.isClean(); }
@@ -58,6 +62,18 @@ public:
     // The user left the field: the next typing starts a new step.
     void endFieldVisit() { ++m_visit; }
 
+    // Any other edit of the current slide, as one step named by key.
+    bool editSlide(const char* key, const QString& fallback,
+                   const std::function<void(clsSlide& slide)>& change);
+    // A change made a little at a time, as a drag is: begin remembers the
+    // message as it is, the caller changes the current slide freely (and
+    // shows it itself), and finish records the whole as one step and tells
+    // the listeners. Cancel puts the remembered state back.
+    void beginLiveEdit();
+    bool isLiveEditing() const { return m_liveBefore != nullptr; }
+    bool finishLiveEdit(const char* key, const QString& fallback);
+    void cancelLiveEdit();
+
 signals:
     void slidesChanged();
     void currentSlideChanged(int index);
@@ -77,9 +93,12 @@ private:
     void restore(const MessageSnapshot& state);
     void startHistory();
     void announce(int previousSlide);
+    void record(const char* key, const QString& fallback, MessageSnapshot before,
+                std::optional<Field> typedInto);
 
     clsMMSManager& m_manager;
     QUndoStack m_history;
     int m_current = 0;
     int m_visit = 0;
+    std::unique_ptr<MessageSnapshot> m_liveBefore;
 };
