@@ -1,5 +1,6 @@
 #include "DialogService.h"
 
+#include <QColorDialog>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QQueue>
@@ -10,6 +11,8 @@ struct Script {
     QList<DialogService::ShownBox> answered;
     QQueue<QString> files;
     QList<DialogService::FileRequest> fileRequests;
+    QQueue<QColor> colors;
+    QList<DialogService::ColorRequest> colorRequests;
 };
 
 Script& script() {
@@ -47,6 +50,16 @@ QString DialogService::fileDialog(QWidget* parent, const FileRequest& request) {
     return dialog.selectedFiles().first();
 }
 
+QColor DialogService::colorDialog(QWidget* parent, const QColor& initial, const QString& title) {
+    if (!script().colors.isEmpty()) {
+        script().colorRequests.append({title, initial});
+        return script().colors.dequeue();
+    }
+    QColorDialog dialog(initial, parent);
+    dialog.setWindowTitle(title);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedColor() : QColor();
+}
+
 QString DialogService::qtFilter(const QString& filter) {
     const QStringList parts = filter.split(u'|');
     QStringList entries;
@@ -65,6 +78,14 @@ QList<DialogService::FileRequest> DialogService::answeredFileDialogs() {
     return script().fileRequests;
 }
 
+void DialogService::queueColorAnswer(const QColor& color) {
+    script().colors.enqueue(color);
+}
+
+QList<DialogService::ColorRequest> DialogService::answeredColorDialogs() {
+    return script().colorRequests;
+}
+
 void DialogService::queueAnswer(QMessageBox::StandardButton answer) {
     script().answers.enqueue(answer);
 }
@@ -78,4 +99,6 @@ void DialogService::clear() {
     script().answered.clear();
     script().files.clear();
     script().fileRequests.clear();
+    script().colors.clear();
+    script().colorRequests.clear();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QList>
 #include <QMessageBox>
 #include <QString>
@@ -35,11 +36,22 @@ public:
     // The chosen file's path, or "" when the user cancelled.
     static QString fileDialog(QWidget* parent, const FileRequest& request);
 
+    struct ColorRequest {
+        QString title;
+        QColor initial;
+    };
+    // The chosen colour, or an invalid colour when the user cancelled.
+    static QColor colorDialog(QWidget* parent, const QColor& initial, const QString& title);
+
     // The next box returns this answer at once without being shown.
     static void queueAnswer(QMessageBox::StandardButton answer);
     // The next file dialog returns this path ("" for a cancel) without being shown.
     static void queueFileAnswer(const QString& path);
     static QList<FileRequest> answeredFileDialogs();
+    // The next colour dialog returns this colour without being shown; an
+    // invalid colour answers as a cancel.
+    static void queueColorAnswer(const QColor& color);
+    static QList<ColorRequest> answeredColorDialogs();
     // The boxes answered from the queue, oldest first.
     static QList<ShownBox> answeredBoxes();
     static void clear();
