@@ -1,0 +1,160 @@
+#include "SoundAttacher.h"
+
+#include "AmrConverter.h"
+#include "AppGlobals.h"
+#include "AppPaths.h"
+#include "DialogService.h"
+#include "MessageDocument.h"
+#include "clsMMSManager.h"
+#include "clsSlide.h"
+#include "modPlaySound.h"
+
+#include <QFileInfo>
+#include <QStringList>
+#include <algorithm>
+
+namespace {
+QString text(const char* key, const char* fallback) {
+    return AppGlobals::text(key, fallback);
+}
+} // namespace
+
+SoundAttacher::SoundAttacher(MessageDocument& document, QWidget* parent)
+    : m_document(document), m_parent(parent) {}
+
+bool SoundAttacher::attach(const QString& folder, const QString& fileName) {
+    if (folder.isEmpty() || fileName.isEmpty() || m_document.currentSlide() < 1)
+        return false;
+    const QString source = AppPaths::withSlash(folder) + fileName;
+    // A folder, a device or a pipe behind the name (or a link to one) would
+    // block or fail the reading; for the user it is no sound file at all.
+    if (!QFileInfo(source).isFile()) {
+        reportMissing();
+        return false;
+    }
+    SoundInfo info = readInfo(source);
+    QString name = bringInWav(source, info);
+    if (!understood(info) && !askToAttach(source)) {
+        manager().DeleteWorkFolderFile(name);
+        return false;
+    }
+    if (name.isEmpty())
+        name = copyIn(source, workExtension(fileName, info));
+    return !name.isEmpty() &&
+           store(name, clsMMSManager::GetFilenameFromPath(fileName, false), lengthOf(name, info));
+}
+
+SoundAttacher::SoundInfo SoundAttacher::readInfo(const QString& path) {
+    const QStringList parts = modPlaySound::GetSoundInfo(path).split(QLatin1Char(';'));
+    SoundInfo info;
+    info.kind = parts.value(0);
+    bool known = false;
+    const qint64 length = parts.value(1).toLongLong(&known);
+    info.length = known ? length : -1;
+    info.samplesPerSecond = parts.value(2);
+    info.bitsPerSample = parts.value(3);
+    return info;
+}
+
+bool SoundAttacher::convertsToAmr(const SoundInfo& info) {
+    return info.kind == QLatin1String("WAV") && info.length > 0 &&
+           info.samplesPerSecond == QLatin1String("8000") &&
+           info.bitsPerSample == QLatin1String("16") &&
+           AppGlobals::setting("preferences", "ConvertWavToAmr", "1") == QLatin1String("1");
+}
+
+// Whether the sound is of a kind phones play and was read well enough to be
+// taken without asking.
+bool SoundAttacher::understood(const SoundInfo& info) {
+    static const QStringList always{"AMR", "MID", "MIDI", "MI"};
+    static const QStringList whenMeasured{"WAV", "MP3", "IMY"};
+    return always.contains(info.kind) || (whenMeasured.contains(info.kind) && info.length > 0);
+}
+
+QString SoundAttacher::workExtension(const QString& fileName, const SoundInfo& info) {
+    if (info.kind == QLatin1String("MIDI"))
+        return QStringLiteral(".mid");
+    return clsMMSManager::GetFilenameExtension(fileName);
+}
+
+// A WAV is in the work folder before it is judged: as AMR when that is wanted
+// and the encoder takes it, otherwise as the WAV itself, read again under its
+// plain work-folder name where the user's path may have been unreadable.
+QString SoundAttacher::bringInWav(const QString& source, SoundInfo& info) {
+    if (info.kind != QLatin1String("WAV"))
+        return QString();
+    if (convertsToAmr(info)) {
+        const QString amr = convertToAmr(source);
+        if (!amr.isEmpty())
+            return amr;
+    }
+    const QString name = copyIn(source, QStringLiteral(".wav"));
+    if (!name.isEmpty())
+        info = readInfo(workPath(name));
+    return name;
+}
+
+// The encoder writes its target whole or not at all, so a refused WAV (two
+// channels, say) leaves nothing behind.
+QString SoundAttacher::convertToAmr(const QString& source) {
+    const QString name = freshName(QStringLiteral(".amr"));
+    return manager().WavToAmr(source, workPath(name)) == AmrConverter::Ok ? name : QString();
+}
+
+QString SoundAttacher::copyIn(const QString& source, const QString& extension) {
+    const QString name = freshName(extension);
+    return manager().CopyToWorkFolder(source, name) ? name : QString();
+}
+
+// A file already there may be named by an undo step or by the sound being
+// attached itself, so it is never written over.
+QString SoundAttacher::freshName(const QString& extension) {
+    QString name;
+    do
+        name = manager().GetUniqueFileName(QStringLiteral("A"), extension);
+    while (QFileInfo::exists(workPath(name)));
+    return name;
+}
+
+QString SoundAttacher::workPath(const QString& name) const {
+    return manager().GetWorkFolderPath() + name;
+}
+
+// modPlaySound measures no AMR; the manager measures it by decoding it.
+qint64 SoundAttacher::lengthOf(const QString& name, const SoundInfo& info) {
+    return info.length > 0 ? info.length : manager().soundLength(workPath(name));
+}
+
+bool SoundAttacher::askToAttach(const QString& source) const {
+    const QString question =
+        text("STR_AUDIO_INFO4",
+             "The format of this sound file is unknown, or the file cannot be read.") +
+        "\n\n" + text("STR_AUDIO_INFO5", "A message with this sound may not play on every phone.") +
+        "\n\n" + text("STR_AUDIO_FILE", "File: ") + source + "\n\n" +
+        text("STR_ADD_AUDIO_Q", "Add this sound to the slide anyway?");
+    return DialogService::messageBox(m_parent, question, text("APP_PRODUCTNAME", "Vellumo"),
+                                     QMessageBox::Yes | QMessageBox::No,
+                                     QMessageBox::Information) == QMessageBox::Yes;
+}
+
+void SoundAttacher::reportMissing() const {
+    DialogService::messageBox(m_parent, text("STR_NO_FILE_FOUND", "The file cannot be found."),
+                              text("APP_PRODUCTNAME", "Vellumo"), QMessageBox::Ok,
+                              QMessageBox::Warning);
+}
+
+// An unknown length leaves the slide's time as it was; the sound's own time
+// then says nothing rather than that of the sound it replaces.
+bool SoundAttacher::store(const QString& name, const QString& soundName, qint64 length) {
+    return m_document.editSlide("STR_AUDIO_TITLE", "Sounds", [&](clsSlide& slide) {
+        slide.setSound(name);
+        slide.setSoundName(soundName);
+        slide.setSoundDuration(std::max<qint64>(length, 0));
+        if (length > 0)
+            slide.setDuration(length);
+    });
+}
+
+clsMMSManager& SoundAttacher::manager() const {
+    return m_document.manager();
+}
