@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "AppGlobals.h"
 #include "AtomicFile.h"
+#include "PictureCache.h"
 #include "PictureFile.h"
 #include "PlainFileName.h"
 #include "StoredColor.h"
@@ -25,17 +26,6 @@ Qt::Alignment alignmentOf(int stored) {
     default:
         return Qt::AlignLeft;
     }
-}
-
-// Sizes are points at 96 dots per inch, whatever screen the program runs on,
-// so a saved picture looks the same everywhere.
-QFont fontOf(const DrawObjectProperties& p) {
-    QFont font(p.fontName.isEmpty() ? QStringLiteral("Verdana") : p.fontName);
-    font.setPixelSize(std::max(1, qRound((p.fontSize > 0 ? p.fontSize : 8.0) * 96.0 / 72.0)));
-    font.setBold(p.bold);
-    font.setItalic(p.italic);
-    font.setUnderline(p.underline);
-    return font;
 }
 
 // The device pixels a rectangle of the surface covers: a picture drawn there
@@ -104,6 +94,15 @@ bool SlideRenderer::renderToFile(const clsSlide& slide, const QString& path) con
            file.commit();
 }
 
+QFont SlideRenderer::fontOf(const DrawObjectProperties& p) {
+    QFont font(p.fontName.isEmpty() ? QStringLiteral("Verdana") : p.fontName);
+    font.setPixelSize(std::max(1, qRound((p.fontSize > 0 ? p.fontSize : 8.0) * 96.0 / 72.0)));
+    font.setBold(p.bold);
+    font.setItalic(p.italic);
+    font.setUnderline(p.underline);
+    return font;
+}
+
 QSize SlideRenderer::surfaceFromSettings() {
     const QStringList fields =
         AppGlobals::setting("preferences", "PhoneImageSize", "160,120,0").split(',');
@@ -152,11 +151,21 @@ QImage SlideRenderer::load(const QString& fileName, QSize drawnSize) const {
     const QString path = PlainFileName::existingFile(m_workFolder, fileName);
     try {
         if (!path.isEmpty())
-            return PictureFile::load(path, drawnSize);
+            return cachedLoad(path, drawnSize);
     } catch (const AppError&) {
         // A picture that cannot be read is reported as missing, like an absent one.
     }
     if (!m_missing.contains(fileName))
         m_missing << fileName;
     return QImage();
+}
+
+QImage SlideRenderer::cachedLoad(const QString& path, QSize drawnSize) const {
+    if (!m_cache)
+        return PictureFile::load(path, drawnSize);
+    if (const QImage* cached = m_cache->find(path, drawnSize))
+        return *cached;
+    const QImage picture = PictureFile::load(path, drawnSize);
+    m_cache->insert(path, drawnSize, picture);
+    return picture;
 }

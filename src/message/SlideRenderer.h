@@ -1,13 +1,16 @@
 #pragma once
 
+#include <QFont>
 #include <QImage>
 #include <QSize>
 #include <QString>
 #include <QStringList>
 
+class PictureCache;
 class QPainter;
 class QRectF;
 class clsDrawObject;
+struct DrawObjectProperties;
 class clsDrawObjects;
 class clsSlide;
 
@@ -30,8 +33,16 @@ public:
     // That picture as a bitmap file.
     bool renderToFile(const clsSlide& slide, const QString& path) const;
 
+    // Pictures are taken from cache, and put there, when one is given.
+    void setCache(PictureCache* cache) { m_cache = cache; }
+
     // Work-folder files that the last paint could not load.
     QStringList missingFiles() const { return m_missing; }
+
+    // The font a text object is drawn in. Sizes are points at 96 dots per
+    // inch, whatever screen the program runs on, so a saved picture looks the
+    // same everywhere. A font this computer lacks is drawn in its substitute.
+    static QFont fontOf(const DrawObjectProperties& properties);
 
     // The surface size of "PhoneImageSize" ("160,120,0" gives 160 x 120).
     static QSize surfaceFromSettings();
@@ -42,8 +53,10 @@ private:
     void paintText(QPainter& painter, const clsDrawObject& object) const;
     // The work-folder picture decoded for drawing into drawnSize device pixels.
     QImage load(const QString& fileName, QSize drawnSize) const;
+    QImage cachedLoad(const QString& path, QSize drawnSize) const;
 
     QString m_workFolder;
     QSize m_surface;
     mutable QStringList m_missing;
+    PictureCache* m_cache = nullptr;
 };

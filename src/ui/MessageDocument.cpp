@@ -208,8 +208,10 @@ bool MessageDocument::deleteSlideSound() {
 }
 
 bool MessageDocument::editSlide(const char* key, const QString& fallback,
-                                const std::function<void(clsSlide& slide)>& change) {
-    return editCurrent(key, fallback, [&](int index) { change(message()->Slides().Item(index)); });
+                                const std::function<void(clsSlide& slide)>& change,
+                                std::optional<Field> typedInto) {
+    return editCurrent(
+        key, fallback, [&](int index) { change(message()->Slides().Item(index)); }, typedInto);
 }
 
 void MessageDocument::beginLiveEdit() {

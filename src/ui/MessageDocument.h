@@ -18,8 +18,9 @@ class MessageSnapshot;
 class MessageDocument : public QObject {
     Q_OBJECT
 public:
-    // Fields whose typing merges into one step per visit.
-    enum class Field { SlideText = 1, SlideDuration = 2 };
+    // Fields whose typing merges into one step per visit; nudges of a
+    // picture object by key merge the same way until another edit.
+    enum class Field { SlideText = 1, SlideDuration = 2, ObjectNudge = 3 };
 
     explicit MessageDocument(clsMMSManager& manager, QObject* parent = nullptr);
     ~MessageDocument() override;
@@ -64,7 +65,8 @@ public:
 
     // Any other edit of the current slide, as one step named by key.
     bool editSlide(const char* key, const QString& fallback,
-                   const std::function<void(clsSlide& slide)>& change);
+                   const std::function<void(clsSlide& slide)>& change,
+                   std::optional<Field> typedInto = std::nullopt);
     // A change made a little at a time, as a drag is: begin remembers the
     // message as it is, the caller changes the current slide freely (and
     // shows it itself), and finish records the whole as one step and tells

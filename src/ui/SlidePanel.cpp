@@ -1,8 +1,6 @@
 #include "SlidePanel.h"
 
 #include "AppGlobals.h"
-#include "SlidePictureView.h"
-#include "SlideRenderer.h"
 #include "VbFormat.h"
 #include "clsMessage.h"
 #include "ctlSlideTime.h"
@@ -25,8 +23,8 @@ QString seconds(qint64 ms) {
 }
 } // namespace
 
-SlidePanel::SlidePanel(QWidget* parent)
-    : QWidget(parent), m_picture(new SlidePictureView(this)), txtMessage(new QPlainTextEdit(this)),
+SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
+    : QWidget(parent), m_picture(picture), txtMessage(new QPlainTextEdit(this)),
       m_time(new ctlSlideTime(this)), lblText(buddyLabel(txtMessage)),
       lblSlideTime(buddyLabel(m_time)), lblTotal(new QLabel(this)), lblTime(new QLabel(this)),
       lblSound(new QLabel(this)), cmdAddNewSlide(new QPushButton(this)),
@@ -91,24 +89,19 @@ void SlidePanel::TranslateForm() {
     cmdAddNewSlide->setText(AppGlobals::text("MNU_SLIDE_ADD", "Add slide"));
     cmdDuplicateSlide->setText(AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate"));
     cmdDeleteSlide->setText(AppGlobals::text("BTN_DELETE", "Delete"));
-    m_picture->setEmptyText(AppGlobals::text("STR_CLICK_TO_ADD", "Pick a picture on the right."));
     lblTotal->setText(AppGlobals::text("STR_TOTAL_TIME", "Total time") + u':');
     lblSound->setAccessibleDescription(AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
-    m_picture->setAccessibleName(AppGlobals::text("STR_SLIDE_PICTURE", "Slide picture"));
 }
 
 void SlidePanel::showSlide(const clsMessage* message, int slide) {
     m_showing = true;
     if (!message || slide < 1 || slide > message->Slides().Count()) {
-        m_picture->setPicture(QImage());
         txtMessage->clear();
         lblSound->clear();
         m_showing = false;
         return;
     }
     const clsSlide& shown = message->Slides().Item(slide);
-    const SlideRenderer renderer(message->Path(), SlideRenderer::surfaceFromSettings());
-    m_picture->setPicture(SlideRenderer::hasPicture(shown) ? renderer.picture(shown) : QImage());
     QString text = shown.Text();
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     if (txtMessage->toPlainText() != text)

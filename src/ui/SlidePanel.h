@@ -5,17 +5,17 @@
 class QLabel;
 class QPlainTextEdit;
 class QPushButton;
-class SlidePictureView;
 class clsMessage;
 class ctlSlideTime;
 
-// The current slide in the middle of the window: its picture, the text box
-// for its text message (txtMessage), its time, the message's total time, its
-// sound, and the buttons to add, duplicate and delete slides.
+// The current slide in the middle of the window: its picture (the editor
+// the window hands in), the text box for its text message (txtMessage), its
+// time, the message's total time, its sound, and the buttons to add,
+// duplicate and delete slides.
 class SlidePanel : public QWidget {
     Q_OBJECT
 public:
-    explicit SlidePanel(QWidget* parent = nullptr);
+    explicit SlidePanel(QWidget* picture, QWidget* parent = nullptr);
 
     void TranslateForm();
     // Shows slide (1-based) of message; nothing for none.
@@ -25,7 +25,6 @@ public:
     void setSlideButtonsEnabled(bool enabled);
     QPlainTextEdit* textBox() const { return txtMessage; }
     ctlSlideTime* timeField() const { return m_time; }
-    SlidePictureView* pictureView() const { return m_picture; }
 
 signals:
     void textEdited(const QString& text);
@@ -43,7 +42,7 @@ private:
     void buildLayout();
     QLabel* buddyLabel(QWidget* buddy);
 
-    SlidePictureView* m_picture;
+    QWidget* m_picture;
     QPlainTextEdit* txtMessage;
     ctlSlideTime* m_time;
     QLabel* lblText;

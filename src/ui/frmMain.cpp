@@ -7,11 +7,16 @@
 #include "MessageDocument.h"
 #include "SlideCommands.h"
 #include "SlidePanel.h"
+#include "SlideRenderer.h"
+#include "SoundAttacher.h"
+#include "TextPropertiesPanel.h"
 #include "VbFormat.h"
+#include "clsDrawObjects.h"
 #include "clsMessage.h"
 #include "clsPropertiesXML.h"
 #include "clsXMLocalizer.h"
 #include "ctlMainMenu.h"
+#include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
 #include "frmHelp.h"
 
@@ -39,16 +44,22 @@ QString text(const char* key, const char* fallback) {
 
 frmMain::frmMain(QWidget* parent)
     : QMainWindow(parent), m_document(nullptr), m_menu(new ctlMainMenu(this)),
-      m_thumbs(new ctlSlideThumbs), m_panel(new SlidePanel), m_slides(nullptr), m_files(nullptr),
+      m_thumbs(new ctlSlideThumbs), m_editor(nullptr), m_panel(nullptr),
+      m_textPanel(new TextPropertiesPanel), m_slides(nullptr), m_files(nullptr),
       m_status(new QLabel), m_progress(new QProgressBar) {
     setObjectName("frmMain");
     m_manager.InitializeFromSettings();
     m_document = new MessageDocument(m_manager, this);
+    m_editor = new ctlPictureEditor(*m_document);
+    m_editor->SetSurfaceSize(SlideRenderer::surfaceFromSettings());
+    m_panel = new SlidePanel(m_editor);
+    m_sounds = std::make_unique<SoundAttacher>(*m_document, this);
     m_slides = new SlideCommands(*m_document, this);
     m_files = new FileCommands(*m_document, m_menu->recentFiles(), this);
     buildWindow();
     connectDocument();
     connectControls();
+    connectEditor();
     TimerExitWait.setSingleShot(true);
     TimerExitWait.setInterval(0);
     connect(&TimerExitWait, &QTimer::timeout, this, &QWidget::close);
@@ -63,6 +74,8 @@ frmMain::frmMain(QWidget* parent)
 // The document goes before the manager it works on, and without telling the
 // half-destroyed window about its history going.
 frmMain::~frmMain() {
+    m_editor->blockSignals(true);
+    m_editor->ClearPicture();
     m_document->undoStack().blockSignals(true);
     m_document->blockSignals(true);
     delete m_document;
@@ -73,17 +86,23 @@ void frmMain::buildWindow() {
     m_menu->installShortcuts(this);
     for (const int number : kNotYetOffered)
         m_menu->MenuItemEnabled(number, false);
-    auto* strip = new QDockWidget(this);
-    strip->setObjectName("dockSlides");
-    strip->setWidget(m_thumbs);
-    strip->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    dock("dockSlides", m_thumbs, Qt::LeftDockWidgetArea);
     m_thumbs->setMinimumWidth(150);
-    addDockWidget(Qt::LeftDockWidgetArea, strip);
+    dock("dockText", m_textPanel, Qt::RightDockWidgetArea);
     setCentralWidget(m_panel);
     m_progress->setMaximumWidth(200);
     m_progress->hide();
     statusBar()->addWidget(m_status, 1);
     statusBar()->addPermanentWidget(m_progress);
+}
+
+QDockWidget* frmMain::dock(const char* name, QWidget* content, Qt::DockWidgetArea area) {
+    auto* holder = new QDockWidget(this);
+    holder->setObjectName(QLatin1String(name));
+    holder->setWidget(content);
+    holder->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    addDockWidget(area, holder);
+    return holder;
 }
 
 void frmMain::connectDocument() {
@@ -105,22 +124,60 @@ void frmMain::connectDocument() {
 
 void frmMain::connectControls() {
     connect(m_menu, &ctlMainMenu::MenuClick, this, &frmMain::onMenuClick);
-    connect(m_thumbs, &ctlSlideThumbs::slideSelected, m_document,
-            &MessageDocument::setCurrentSlide);
-    connect(m_thumbs, &ctlSlideThumbs::menuCommand, m_slides, &SlideCommands::runStripCommand);
-    connect(m_thumbs, &ctlSlideThumbs::moveRequested, m_document, &MessageDocument::moveSlide);
+    connect(m_thumbs, &ctlSlideThumbs::slideSelected, this, [this](int slide) {
+        m_editor->SaveDrawObjects();
+        m_document->setCurrentSlide(slide);
+    });
+    connect(m_thumbs, &ctlSlideThumbs::menuCommand, this, [this](int command, int slide) {
+        m_editor->SaveDrawObjects();
+        m_slides->runStripCommand(command, slide);
+    });
+    connect(m_thumbs, &ctlSlideThumbs::moveRequested, this, [this](int from, int to) {
+        m_editor->SaveDrawObjects();
+        m_document->moveSlide(from, to);
+    });
     connect(m_slides, &SlideCommands::appendedAtEnd, m_thumbs, &ctlSlideThumbs::ScrollToEnd);
     connect(m_panel, &SlidePanel::textEdited, m_document, &MessageDocument::setSlideText);
     connect(m_panel, &SlidePanel::durationEdited, m_document, &MessageDocument::setSlideDuration);
     connect(m_panel, &SlidePanel::fieldLeft, m_document, &MessageDocument::endFieldVisit);
-    connect(m_panel, &SlidePanel::addClicked, m_slides, &SlideCommands::add);
-    connect(m_panel, &SlidePanel::duplicateClicked, this,
-            [this] { m_slides->duplicateAfter(m_document->currentSlide()); });
-    connect(m_panel, &SlidePanel::deleteClicked, this,
-            [this] { m_slides->deleteSlide(m_document->currentSlide()); });
+    connect(m_panel, &SlidePanel::addClicked, this, [this] {
+        m_editor->SaveDrawObjects();
+        m_slides->add();
+    });
+    connect(m_panel, &SlidePanel::duplicateClicked, this, [this] {
+        m_editor->SaveDrawObjects();
+        m_slides->duplicateAfter(m_document->currentSlide());
+    });
+    connect(m_panel, &SlidePanel::deleteClicked, this, [this] {
+        m_editor->SaveDrawObjects();
+        m_slides->deleteSlide(m_document->currentSlide());
+    });
+}
+
+void frmMain::connectEditor() {
+    connect(m_editor, &ctlPictureEditor::addTextRequested, m_editor, &ctlPictureEditor::AddText);
+    connect(m_editor, &ctlPictureEditor::soundDropped, this,
+            [this](const QString& folder, const QString& file) { m_sounds->attach(folder, file); });
+    connect(m_editor, &ctlPictureEditor::selectionChanged, this, &frmMain::showSelectedText);
+    connect(m_textPanel, &TextPropertiesPanel::propertiesEdited, m_editor,
+            &ctlPictureEditor::ApplyText);
+}
+
+void frmMain::showSelectedText(int index) {
+    const clsMessage* message = m_document->message();
+    const int slide = m_document->currentSlide();
+    if (!message || index < 1 || slide < 1 || slide > message->Slides().Count()) {
+        m_textPanel->showText(nullptr);
+        return;
+    }
+    const DrawObjectProperties selected =
+        message->Slides().Item(slide).DrawObjects().Item(index).GetAllPproperties();
+    m_textPanel->showText(selected.typ == QLatin1String("text") ? &selected : nullptr);
 }
 
 void frmMain::onMenuClick(int number) {
+    // Whatever the editor is in the middle of belongs to the slide first.
+    m_editor->SaveDrawObjects();
     if (m_slides->runMenuCommand(number))
         return;
     switch (number) {
@@ -176,6 +233,7 @@ void frmMain::showSlide(int slide) {
     m_shownSlide = slide;
     m_thumbs->SelectSlide(slide);
     m_panel->showSlide(m_document->message(), slide);
+    m_editor->LoadDrawObjects();
     showStatus();
 }
 
@@ -211,8 +269,12 @@ void frmMain::TranslateForm() {
     m_menu->TranslateControl();
     m_thumbs->TranslateControl();
     m_panel->TranslateForm();
+    m_editor->TranslateControl();
+    m_textPanel->TranslateControl();
     if (auto* strip = findChild<QDockWidget*>("dockSlides"))
         strip->setWindowTitle(text("STR_SLIDES", "Slides"));
+    if (auto* textDock = findChild<QDockWidget*>("dockText"))
+        textDock->setWindowTitle(text("STR_TEXT_PROPERTIES", "Text properties"));
     m_progress->setAccessibleName(text("STR_PROGRESS", "Progress"));
     setWindowTitle(windowCaption());
     showStatus();
@@ -251,6 +313,7 @@ void frmMain::requestExit() {
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
+    m_editor->SaveDrawObjects();
     if (!m_exitDecided && !m_files->mayExit()) {
         event->ignore();
         return;

@@ -2,9 +2,11 @@
 
 #include "clsMMSManager.h"
 
+#include <QDockWidget>
 #include <QMainWindow>
 #include <QString>
 #include <QTimer>
+#include <memory>
 
 class FileCommands;
 class MessageDocument;
@@ -12,7 +14,10 @@ class QLabel;
 class QProgressBar;
 class SlideCommands;
 class SlidePanel;
+class SoundAttacher;
+class TextPropertiesPanel;
 class ctlMainMenu;
+class ctlPictureEditor;
 class ctlSlideThumbs;
 
 // The composer's main window. It composes the menu bar, the slide strip, the
@@ -41,6 +46,8 @@ public:
     ctlMainMenu* mainMenu() const { return m_menu; }
     ctlSlideThumbs* slideStrip() const { return m_thumbs; }
     SlidePanel* slidePanel() const { return m_panel; }
+    ctlPictureEditor* pictureEditor() const { return m_editor; }
+    TextPropertiesPanel* textProperties() const { return m_textPanel; }
     FileCommands* fileCommands() const { return m_files; }
 
     static QString applicationTitle() { return QStringLiteral("Vellumo"); }
@@ -50,6 +57,9 @@ protected:
 
 private:
     void buildWindow();
+    QDockWidget* dock(const char* name, QWidget* content, Qt::DockWidgetArea area);
+    void connectEditor();
+    void showSelectedText(int index);
     void connectDocument();
     void connectControls();
     void onMenuClick(int number);
@@ -68,7 +78,10 @@ private:
     MessageDocument* m_document;
     ctlMainMenu* m_menu;
     ctlSlideThumbs* m_thumbs;
+    ctlPictureEditor* m_editor;
     SlidePanel* m_panel;
+    TextPropertiesPanel* m_textPanel;
+    std::unique_ptr<SoundAttacher> m_sounds;
     SlideCommands* m_slides;
     FileCommands* m_files;
     QLabel* m_status;
