@@ -191,7 +191,8 @@ bool MessageScript::image() {
     if (name.isEmpty() || !decodable(file) || !takeRect(rect) || !copyIn(file, name))
         return false;
     DrawObjectProperties p = DrawObjectProperties::forImage(name, rect, ++m_objects);
-    p.name = "Image" + QString::number(m_objects);
+    // Named by the file it came from, as the window names the pictures it places.
+    p.name = QFileInfo(file).fileName();
     current->DrawObjects().Add().SetAllPproperties(p);
     return true;
 }

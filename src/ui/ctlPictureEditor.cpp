@@ -314,7 +314,8 @@ bool ctlPictureEditor::event(QEvent* event) {
     // the window binds them to something else.
     if (event->type() == QEvent::ShortcutOverride) {
         auto* key = static_cast<QKeyEvent*>(event);
-        if (handleEditingKey(key) || key->matches(QKeySequence::Paste)) {
+        const bool menuKey = key->key() == Qt::Key_F10 && key->modifiers() == Qt::ShiftModifier;
+        if (handleEditingKey(key) || key->matches(QKeySequence::Paste) || menuKey) {
             event->accept();
             return true;
         }
@@ -325,6 +326,12 @@ bool ctlPictureEditor::event(QEvent* event) {
 void ctlPictureEditor::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Paste)) {
         paste();
+        return;
+    }
+    // Shift+F10 opens the menu as the menu key does, with or without a selection.
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+        contextMenuEvent(&menu);
         return;
     }
     if (!handleEditingKey(event) || !m_selected) {

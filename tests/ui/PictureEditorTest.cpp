@@ -174,6 +174,13 @@ TEST_F(PictureEditorTest, TheRightClickMenuFollowsTheSelectionAndSelectsByNumber
     EXPECT_TRUE(onText.startsWith("Cut;9,Copy;10,")) << onText.toStdString();
     EXPECT_TRUE(onText.endsWith("|#New text;201")) << "the selected object is ticked";
 
+    // From the keyboard: Shift+F10 shows the same menu at the selection.
+    clsPopupMenu::queueChoice([](QMenu&) { return static_cast<QAction*>(nullptr); });
+    m_editor.setFocus();
+    QTest::keyClick(&m_editor, Qt::Key_F10, Qt::ShiftModifier);
+    ASSERT_EQ(clsPopupMenu::answeredMenus().size(), 2);
+    EXPECT_EQ(clsPopupMenu::answeredMenus().last().descriptor, onText);
+
     m_editor.runMenuCommand(PictureEditorMenu::FirstImage + 2);
     EXPECT_EQ(object(m_editor.selectedObject()).name, "blue.png");
 }
