@@ -18,6 +18,8 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QStandardPaths>
+#include <QTextDocument>
+#include <QTextOption>
 #include <algorithm>
 #include <cmath>
 
@@ -702,6 +704,13 @@ void ctlPictureEditor::editSelectedText() {
     QFont font = SlideRenderer::fontOf(p);
     font.setPixelSize(std::max(1, int(std::lround(font.pixelSize() * zoom()))));
     editor->setFont(font);
+    // Typed in the text's own colour and alignment, as it will show.
+    QPalette colours = editor->palette();
+    colours.setColor(QPalette::Text, StoredColor::toQColor(p.fontColor));
+    editor->setPalette(colours);
+    static const Qt::Alignment alignments[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
+    editor->document()->setDefaultTextOption(
+        QTextOption(alignments[p.fontAlign >= 0 && p.fontAlign <= 2 ? p.fontAlign : 0]));
     editor->setPlainText(QString(p.text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
     editor->selectAll();
     const QRect box = toWidget(rectOf(p)).toAlignedRect();
