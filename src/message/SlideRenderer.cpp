@@ -17,17 +17,6 @@
 #include <algorithm>
 
 namespace {
-Qt::Alignment alignmentOf(int stored) {
-    switch (stored) {
-    case 1:
-        return Qt::AlignRight;
-    case 2:
-        return Qt::AlignHCenter;
-    default:
-        return Qt::AlignLeft;
-    }
-}
-
 // The device pixels a rectangle of the surface covers: a picture drawn there
 // is decoded no larger than that.
 QSize pixelsCovered(const QPainter& painter, const QRectF& rect) {
@@ -92,6 +81,17 @@ bool SlideRenderer::renderToFile(const clsSlide& slide, const QString& path) con
     return file.open(QIODevice::WriteOnly) &&
            picture(slide).convertToFormat(QImage::Format_RGB888).save(&file, "BMP") &&
            file.commit();
+}
+
+Qt::Alignment SlideRenderer::alignmentOf(int stored) {
+    switch (stored) {
+    case 1:
+        return Qt::AlignRight;
+    case 2:
+        return Qt::AlignHCenter;
+    default:
+        return Qt::AlignLeft;
+    }
 }
 
 QFont SlideRenderer::fontOf(const DrawObjectProperties& p) {

@@ -44,6 +44,9 @@ public:
     // same everywhere. A font this computer lacks is drawn in its substitute.
     static QFont fontOf(const DrawObjectProperties& properties);
 
+    // A stored alignment (0 left, 1 right, 2 centred) as Qt's; left for any other.
+    static Qt::Alignment alignmentOf(int stored);
+
     // The surface size of "PhoneImageSize" ("160,120,0" gives 160 x 120).
     static QSize surfaceFromSettings();
 

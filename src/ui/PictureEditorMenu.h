@@ -33,6 +33,7 @@ public:
         int number = 0; // 1-based among the objects of its kind
         QString caption;
         bool selected = false;
+        int index = 0; // among all the slide's objects, 1-based
     };
     struct State {
         bool hasSelection = false;

@@ -1,6 +1,7 @@
 #include "SlidePanel.h"
 
 #include "AppGlobals.h"
+#include "FieldLabel.h"
 #include "VbFormat.h"
 #include "clsMessage.h"
 #include "ctlSlideTime.h"
@@ -13,11 +14,6 @@
 #include <QPushButton>
 
 namespace {
-// Alt and a letter reach each field; a text that names no letter gets its first.
-QString withMnemonic(const QString& text) {
-    return text.contains(u'&') ? text : u'&' + text;
-}
-
 QString seconds(qint64 ms) {
     return VbFormat::format(double(ms) / 1000.0, "#0.0s");
 }
@@ -25,9 +21,9 @@ QString seconds(qint64 ms) {
 
 SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
     : QWidget(parent), m_picture(picture), txtMessage(new QPlainTextEdit(this)),
-      m_time(new ctlSlideTime(this)), lblText(buddyLabel(txtMessage)),
-      lblSlideTime(buddyLabel(m_time)), lblTotal(new QLabel(this)), lblTime(new QLabel(this)),
-      lblSound(new QLabel(this)), cmdAddNewSlide(new QPushButton(this)),
+      m_time(new ctlSlideTime(this)), lblText(FieldLabel::create(txtMessage, this)),
+      lblSlideTime(FieldLabel::create(m_time, this)), lblTotal(new QLabel(this)),
+      lblTime(new QLabel(this)), lblSound(new QLabel(this)), cmdAddNewSlide(new QPushButton(this)),
       cmdDuplicateSlide(new QPushButton(this)), cmdDeleteSlide(new QPushButton(this)) {
     txtMessage->setObjectName(QStringLiteral("txtMessage"));
     txtMessage->setTabChangesFocus(true);
@@ -49,12 +45,6 @@ SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
     connect(cmdDuplicateSlide, &QPushButton::clicked, this, &SlidePanel::duplicateClicked);
     connect(cmdDeleteSlide, &QPushButton::clicked, this, &SlidePanel::deleteClicked);
     TranslateForm();
-}
-
-QLabel* SlidePanel::buddyLabel(QWidget* buddy) {
-    auto* label = new QLabel(this);
-    label->setBuddy(buddy);
-    return label;
 }
 
 void SlidePanel::buildLayout() {
@@ -81,10 +71,9 @@ void SlidePanel::buildLayout() {
 }
 
 void SlidePanel::TranslateForm() {
-    const QString text = AppGlobals::text("STR_TEXT_TITLE", "Text");
-    lblText->setText(withMnemonic(text));
-    txtMessage->setAccessibleName(text);
-    lblSlideTime->setText(withMnemonic(AppGlobals::text("STR_SLIDE_TIME", "Slide ti&me")));
+    FieldLabel::setCaption(lblText, AppGlobals::text("STR_TEXT_TITLE", "Text"));
+    lblSlideTime->setText(
+        FieldLabel::withMnemonic(AppGlobals::text("STR_SLIDE_TIME", "Slide ti&me")));
     m_time->TranslateControl();
     cmdAddNewSlide->setText(AppGlobals::text("MNU_SLIDE_ADD", "Add slide"));
     cmdDuplicateSlide->setText(AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate"));

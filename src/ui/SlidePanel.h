@@ -40,7 +40,6 @@ protected:
 
 private:
     void buildLayout();
-    QLabel* buddyLabel(QWidget* buddy);
 
     QWidget* m_picture;
     QPlainTextEdit* txtMessage;

@@ -104,22 +104,26 @@ QRect SlidePictureEdits::centred(QSize size) const {
     return box;
 }
 
-QString SlidePictureEdits::bringIn(const QString& prefix, const QString& source,
-                                   QString* why) const {
+std::optional<QImage> SlidePictureEdits::decoded(const QString& source, QString* why) const {
     if (!QFileInfo(source).isFile()) {
         *why = noFile();
-        return QString();
+        return std::nullopt;
     }
     try {
         // Decoded as it will be drawn: a header alone can promise pixels
         // that the file does not hold.
-        PictureFile::load(source, m_surface);
+        return PictureFile::load(source, m_surface);
     } catch (const AppError& error) {
         *why = error.description();
-        return QString();
+        return std::nullopt;
     }
+}
+
+QString SlidePictureEdits::bringIn(const QString& source, QString* why) const {
+    if (!decoded(source, why))
+        return QString();
     clsMMSManager& manager = m_document.manager();
-    const QString name = manager.GetUniqueFileName(prefix, source);
+    const QString name = manager.GetUniqueFileName(QStringLiteral("I"), source);
     return manager.CopyToWorkFolder(source, name, why) ? name : QString();
 }
 
@@ -127,7 +131,7 @@ int SlidePictureEdits::addImage(const QString& source, std::optional<QPoint> at,
                                 QString* why) {
     if (!objects())
         return 0;
-    const QString name = bringIn(QStringLiteral("I"), source, why);
+    const QString name = bringIn(source, why);
     if (name.isEmpty())
         return 0;
     if (size.isEmpty()) {
@@ -175,7 +179,7 @@ int SlidePictureEdits::duplicate(int index) {
     copy.y += 8;
     if (copy.typ == QLatin1String("image")) {
         QString why;
-        copy.image = bringIn(QStringLiteral("I"), workFolder() + copy.image, &why);
+        copy.image = bringIn(workFolder() + copy.image, &why);
         if (copy.image.isEmpty())
             return 0;
     }
@@ -252,12 +256,8 @@ qint64 SlidePictureEdits::backgroundColor() const {
 bool SlidePictureEdits::setBackgroundPicture(const QString& source, QString* why) {
     if (!objects())
         return false;
-    const QString copied = bringIn(QStringLiteral("B"), source, why);
-    if (copied.isEmpty())
-        return false;
-    const QString bitmap = writeBackgroundBitmap(copied, why);
-    // The copy was only the bitmap's source; nothing names it.
-    m_document.manager().DeleteWorkFolderFile(copied);
+    const std::optional<QImage> picture = decoded(source, why);
+    const QString bitmap = picture ? writeBackgroundBitmap(*picture, why) : QString();
     return !bitmap.isEmpty() &&
            change("STR_PICTURE_BACKGROUND", "Background picture", [&](clsDrawObjects& all) {
                all.setBackType(clsDrawObjects::BackStill);
@@ -268,16 +268,9 @@ bool SlidePictureEdits::setBackgroundPicture(const QString& source, QString* why
 
 // Drawn once at the slide's size, the background costs the slide's pixels
 // however large the photo was, and shows exactly as it will be sent.
-QString SlidePictureEdits::writeBackgroundBitmap(const QString& picture, QString* why) const {
-    QImage drawn;
-    try {
-        drawn = PictureFile::load(workFolder() + picture, m_surface);
-    } catch (const AppError& error) {
-        *why = error.description();
-        return QString();
-    }
-    drawn = drawn.scaled(m_surface, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                .convertToFormat(QImage::Format_RGB888);
+QString SlidePictureEdits::writeBackgroundBitmap(const QImage& picture, QString* why) const {
+    const QImage drawn = picture.scaled(m_surface, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                             .convertToFormat(QImage::Format_RGB888);
     const QString name = m_document.manager().GetUniqueFileName(QStringLiteral("B"), "x.bmp");
     AtomicFile file(workFolder() + name);
     if (file.open(QIODevice::WriteOnly) && drawn.save(&file, "BMP") && file.commit())

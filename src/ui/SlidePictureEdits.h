@@ -3,6 +3,7 @@
 #include "MessageDocument.h"
 #include "clsDrawObject.h"
 
+#include <QImage>
 #include <QList>
 #include <QPoint>
 #include <QRect>
@@ -64,8 +65,11 @@ private:
     int add(const char* key, const QString& fallback, DrawObjectProperties properties);
     int topZorder() const;
     QString uniqueName(const QString& base) const;
-    QString bringIn(const QString& prefix, const QString& source, QString* why) const;
-    QString writeBackgroundBitmap(const QString& picture, QString* why) const;
+    // The picture as drawn on the slide; nothing, with *why, when it is no picture.
+    std::optional<QImage> decoded(const QString& source, QString* why) const;
+    // A copy of the picture in the work folder, under a fresh "I" name.
+    QString bringIn(const QString& source, QString* why) const;
+    QString writeBackgroundBitmap(const QImage& picture, QString* why) const;
     QRect centred(QSize size) const;
 
     MessageDocument& m_document;

@@ -2,6 +2,7 @@
 
 #include "AppGlobals.h"
 #include "DialogService.h"
+#include "FieldLabel.h"
 #include "StoredColor.h"
 
 #include <QButtonGroup>
@@ -25,15 +26,6 @@ constexpr int kAlignCenter = 2;
 // What the renderer draws a text in when the message names no font or size.
 const QString kDefaultFont = QStringLiteral("Verdana");
 constexpr double kDefaultSize = 8.0;
-
-// Alt and a letter reach each field; a text that names no letter gets its first.
-QString withMnemonic(const QString& text) {
-    return text.contains(u'&') ? text : u'&' + text;
-}
-
-QString withoutMnemonic(QString text) {
-    return text.remove(u'&');
-}
 
 int alignmentShown(int stored) {
     return stored == kAlignRight || stored == kAlignCenter ? stored : kAlignLeft;
@@ -89,9 +81,10 @@ TextPropertiesPanel::TextPropertiesPanel(QWidget* parent)
           alignButton("optAlignCenter", "format-justify-center", kAlignCenter, Qt::AlignHCenter)),
       optAlignRight(
           alignButton("optAlignRight", "format-justify-right", kAlignRight, Qt::AlignRight)),
-      cmdColor(new QPushButton(this)), lblFont(buddyLabel(cboFont)),
-      lblSize(buddyLabel(spnFontSize)), lblStyle(buddyLabel(chkBold)),
-      lblAlignment(buddyLabel(optAlignLeft)), lblColor(buddyLabel(cmdColor)) {
+      cmdColor(new QPushButton(this)), lblFont(FieldLabel::create(cboFont, this)),
+      lblSize(FieldLabel::create(spnFontSize, this)), lblStyle(FieldLabel::create(chkBold, this)),
+      lblAlignment(FieldLabel::create(optAlignLeft, this)),
+      lblColor(FieldLabel::create(cmdColor, this)) {
     lblNoText->setObjectName(QStringLiteral("lblNoText"));
     lblNoText->setWordWrap(true);
     cboFont->setObjectName(QStringLiteral("cboFont"));
@@ -115,12 +108,6 @@ TextPropertiesPanel::TextPropertiesPanel(QWidget* parent)
 // panel is gone; the field must not report that to it.
 TextPropertiesPanel::~TextPropertiesPanel() {
     cboFont->lineEdit()->disconnect(this);
-}
-
-QLabel* TextPropertiesPanel::buddyLabel(QWidget* buddy) {
-    auto* label = new QLabel(this);
-    label->setBuddy(buddy);
-    return label;
 }
 
 QToolButton* TextPropertiesPanel::toolButton(const char* name, const QIcon& icon) {
@@ -195,15 +182,12 @@ void TextPropertiesPanel::connectEdits() {
 }
 
 void TextPropertiesPanel::TranslateControl() {
-    const auto caption = [](QLabel* label, const QString& text) {
-        label->setText(withMnemonic(text));
-        label->buddy()->setAccessibleName(withoutMnemonic(text));
-    };
-    caption(lblFont, AppGlobals::text("STR_TEXT_FONT", "F&ont"));
-    caption(lblSize, AppGlobals::text("STR_TEXT_SIZE", "Si&ze"));
-    caption(lblColor, AppGlobals::text("STR_TEXT_COLOR", "Co&lor"));
-    lblStyle->setText(withMnemonic(AppGlobals::text("STR_TEXT_STYLE", "St&yle")));
-    lblAlignment->setText(withMnemonic(AppGlobals::text("STR_TEXT_ALIGN", "&Alignment")));
+    FieldLabel::setCaption(lblFont, AppGlobals::text("STR_TEXT_FONT", "F&ont"));
+    FieldLabel::setCaption(lblSize, AppGlobals::text("STR_TEXT_SIZE", "Si&ze"));
+    FieldLabel::setCaption(lblColor, AppGlobals::text("STR_TEXT_COLOR", "Co&lor"));
+    lblStyle->setText(FieldLabel::withMnemonic(AppGlobals::text("STR_TEXT_STYLE", "St&yle")));
+    lblAlignment->setText(
+        FieldLabel::withMnemonic(AppGlobals::text("STR_TEXT_ALIGN", "&Alignment")));
     translateButtons();
     lblNoText->setText(AppGlobals::text("STR_TEXT_NONE_SELECTED",
                                         "Select a text on the picture or add one to change "

@@ -30,7 +30,6 @@ signals:
     void propertiesEdited(const DrawObjectProperties& changed);
 
 private:
-    QLabel* buddyLabel(QWidget* buddy);
     QToolButton* toolButton(const char* name, const QIcon& icon);
     QToolButton* styleButton(const char* name, const QString& icon, QKeySequence::StandardKey key,
                              void (QFont::*setStyle)(bool));

@@ -1,6 +1,7 @@
 #include "ctlMainMenu.h"
 
 #include "AppGlobals.h"
+#include "FieldLabel.h"
 #include "SlideMenuDescriptor.h"
 #include "clsPopupMenu.h"
 
@@ -40,11 +41,6 @@ const QHash<int, QList<QKeySequence>>& shortcutKeys() {
     };
     return keys;
 }
-
-// Alt and the first letter open a menu whose title names no key of its own.
-QString withMnemonic(const QString& title) {
-    return title.contains(u'&') ? title : u'&' + title;
-}
 } // namespace
 
 ctlMainMenu::ctlMainMenu(QWidget* parent) : QMenuBar(parent) {
@@ -69,7 +65,7 @@ ctlMainMenu::ctlMainMenu(QWidget* parent) : QMenuBar(parent) {
 void ctlMainMenu::TranslateControl() {
     for (int menu = FileMenu; menu <= EditMenu; ++menu)
         m_menus[menu]->setTitle(
-            withMnemonic(AppGlobals::text(kTitles[menu].key, kTitles[menu].fallback)));
+            FieldLabel::withMnemonic(AppGlobals::text(kTitles[menu].key, kTitles[menu].fallback)));
 }
 
 void ctlMainMenu::SetBackground(const QPixmap& picture, const QColor& colour) {

@@ -163,9 +163,13 @@ QImage ctlPictureEditor::RenderImage(QSize target) const {
     const clsDrawObjects* objects = m_edits.objects();
     if (!objects)
         return QImage();
+    return renderer().render(*objects, target);
+}
+
+SlideRenderer ctlPictureEditor::renderer() const {
     SlideRenderer renderer(m_edits.workFolder(), m_edits.surface());
     renderer.setCache(&m_cache);
-    return renderer.render(*objects, target);
+    return renderer;
 }
 
 QString ctlPictureEditor::GetFilenameExtension(const QString& path) {
@@ -209,9 +213,7 @@ void ctlPictureEditor::paintEvent(QPaintEvent*) {
         return;
     }
     const QRect area = pictureRect();
-    SlideRenderer renderer(m_edits.workFolder(), m_edits.surface());
-    renderer.setCache(&m_cache);
-    renderer.paint(painter, *objects, QRectF(area));
+    renderer().paint(painter, *objects, QRectF(area));
     painter.setPen(hasFocus() ? palette().color(QPalette::Highlight)
                               : palette().color(QPalette::Shadow));
     painter.drawRect(area.adjusted(-1, -1, 0, 0));
@@ -449,24 +451,26 @@ void ctlPictureEditor::showMenuAt(const QPoint& globalPosition) {
     runMenuCommand(menu.PopupStringXY(menuDescriptor(), globalPosition.x(), globalPosition.y()));
 }
 
-QString ctlPictureEditor::menuDescriptor() const {
+// Images first, then texts, each numbered within its kind.
+PictureEditorMenu::State ctlPictureEditor::menuState() const {
     PictureEditorMenu::State state;
     state.hasSelection = m_selected != 0;
     state.canPaste = m_clipboard.canPaste();
     const clsDrawObjects* objects = m_edits.objects();
-    int images = 0;
-    int texts = 0;
-    QList<PictureEditorMenu::Entry> textEntries;
+    QList<PictureEditorMenu::Entry> texts;
     for (int i = 1; objects && i <= objects->Count(); ++i) {
         const clsDrawObject& object = objects->Item(i);
         const bool isText = object.typ() == QLatin1String("text");
-        const PictureEditorMenu::Entry entry{isText, isText ? ++texts : ++images,
-                                             SlidePictureEdits::toolTipText(object),
-                                             i == m_selected};
-        (isText ? textEntries : state.objects).append(entry);
+        QList<PictureEditorMenu::Entry>& kind = isText ? texts : state.objects;
+        kind.append({isText, int(kind.size()) + 1, SlidePictureEdits::toolTipText(object),
+                     i == m_selected, i});
     }
-    state.objects += textEntries;
-    return m_menu.descriptor(state);
+    state.objects += texts;
+    return state;
+}
+
+QString ctlPictureEditor::menuDescriptor() const {
+    return m_menu.descriptor(menuState());
 }
 
 void ctlPictureEditor::runMenuCommand(int command) {
@@ -501,16 +505,12 @@ void ctlPictureEditor::runMenuCommand(int command) {
     }
 }
 
-// The n-th image or text, counted in document order within its kind.
 void ctlPictureEditor::selectByMenu(int command) {
-    const bool wantText = command > PictureEditorMenu::FirstText;
-    int wanted =
-        command - (wantText ? PictureEditorMenu::FirstText : PictureEditorMenu::FirstImage);
-    const clsDrawObjects* objects = m_edits.objects();
-    for (int i = 1; objects && i <= objects->Count(); ++i) {
-        const bool isText = objects->Item(i).typ() == QLatin1String("text");
-        if (isText == wantText && --wanted == 0)
-            return selectObject(i);
+    for (const PictureEditorMenu::Entry& entry : menuState().objects) {
+        const int first =
+            entry.isText ? PictureEditorMenu::FirstText : PictureEditorMenu::FirstImage;
+        if (command == first + entry.number)
+            return selectObject(entry.index);
     }
 }
 
@@ -708,9 +708,7 @@ void ctlPictureEditor::editSelectedText() {
     QPalette colours = editor->palette();
     colours.setColor(QPalette::Text, StoredColor::toQColor(p.fontColor));
     editor->setPalette(colours);
-    static const Qt::Alignment alignments[] = {Qt::AlignLeft, Qt::AlignRight, Qt::AlignHCenter};
-    editor->document()->setDefaultTextOption(
-        QTextOption(alignments[p.fontAlign >= 0 && p.fontAlign <= 2 ? p.fontAlign : 0]));
+    editor->document()->setDefaultTextOption(QTextOption(SlideRenderer::alignmentOf(p.fontAlign)));
     editor->setPlainText(QString(p.text).replace(QLatin1String("\r\n"), QLatin1String("\n")));
     editor->selectAll();
     const QRect box = toWidget(rectOf(p)).toAlignedRect();
@@ -763,9 +761,8 @@ void ctlPictureEditor::closeInPlaceEditor(bool keep) {
 }
 
 bool ctlPictureEditor::acceptsDrag(const QMimeData* data) const {
-    return data && m_edits.objects() &&
-           DroppedMedia::kindOf(DroppedMedia::pathFrom(*data)) != DroppedMedia::Unknown &&
-           !DroppedMedia::pathFrom(*data).isEmpty();
+    const QString path = data && m_edits.objects() ? DroppedMedia::pathFrom(*data) : QString();
+    return !path.isEmpty() && DroppedMedia::kindOf(path) != DroppedMedia::Unknown;
 }
 
 void ctlPictureEditor::dragEnterEvent(QDragEnterEvent* event) {

@@ -4,6 +4,7 @@
 #include "PictureEditorMenu.h"
 #include "SelectionFrame.h"
 #include "SlidePictureEdits.h"
+#include "SlideRenderer.h"
 #include "clsClipboardManager.h"
 
 #include <QImage>
@@ -53,6 +54,8 @@ public:
     static QString GetFilenameExtension(const QString& path);
 
     int selectedObject() const { return m_selected; }
+    // Every property of the selected object; empty ones without a selection.
+    DrawObjectProperties selectedProperties() const;
     void selectObject(int index);
     // The objects from the bottom of the stack to its top.
     QList<ShownObject> shownObjects() const;
@@ -123,8 +126,9 @@ private:
     void inform(const QString& text, bool warning = true);
     bool acceptsDrag(const QMimeData* data) const;
     void closeInPlaceEditor(bool keep);
-    DrawObjectProperties selectedProperties() const;
     bool selectedIsText() const;
+    SlideRenderer renderer() const;
+    PictureEditorMenu::State menuState() const;
 
     MessageDocument& m_document;
     SlidePictureEdits m_edits;

@@ -163,15 +163,8 @@ void frmMain::connectEditor() {
             &ctlPictureEditor::ApplyText);
 }
 
-void frmMain::showSelectedText(int index) {
-    const clsMessage* message = m_document->message();
-    const int slide = m_document->currentSlide();
-    if (!message || index < 1 || slide < 1 || slide > message->Slides().Count()) {
-        m_textPanel->showText(nullptr);
-        return;
-    }
-    const DrawObjectProperties selected =
-        message->Slides().Item(slide).DrawObjects().Item(index).GetAllPproperties();
+void frmMain::showSelectedText() {
+    const DrawObjectProperties selected = m_editor->selectedProperties();
     m_textPanel->showText(selected.typ == QLatin1String("text") ? &selected : nullptr);
 }
 

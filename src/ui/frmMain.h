@@ -59,7 +59,7 @@ private:
     void buildWindow();
     QDockWidget* dock(const char* name, QWidget* content, Qt::DockWidgetArea area);
     void connectEditor();
-    void showSelectedText(int index);
+    void showSelectedText();
     void connectDocument();
     void connectControls();
     void onMenuClick(int number);
