@@ -64,8 +64,11 @@ QString DialogService::qtFilter(const QString& filter) {
     const QStringList parts = filter.split(u'|');
     QStringList entries;
     for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        // Qt reads the patterns from the parentheses, separated by spaces; a
+        // description that lists them its own way ("(*.bmp;*.gif)") is
+        // given the list Qt reads.
         const QString patterns = QString(parts[i + 1]).replace(u';', u' ');
-        entries << (parts[i].contains(u'(') ? parts[i] : parts[i] + " (" + patterns + u')');
+        entries << parts[i].section(u'(', 0, 0).trimmed() + " (" + patterns + u')';
     }
     return entries.isEmpty() ? filter : entries.join(QStringLiteral(";;"));
 }

@@ -1,6 +1,7 @@
 #include "ctlPictureEditor.h"
 
 #include "AppGlobals.h"
+#include "AppPaths.h"
 #include "DialogService.h"
 #include "DroppedMedia.h"
 #include "MessageDocument.h"
@@ -13,11 +14,11 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QContextMenuEvent>
+#include <QDir>
 #include <QFileInfo>
 #include <QMimeData>
 #include <QPainter>
 #include <QPlainTextEdit>
-#include <QStandardPaths>
 #include <QTextDocument>
 #include <QTextOption>
 #include <algorithm>
@@ -568,27 +569,41 @@ bool ctlPictureEditor::AddImage(const QString& path, std::optional<QPoint> at) {
 }
 
 namespace {
-QString pickPicture(QWidget* parent, const PictureEditorMenu& menu) {
-    static QString folder = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+// The user's own pictures (or backgrounds) of the media browser when there
+// are any, else the ones the program comes with, else home.
+QString startFolder(const char* browser) {
+    const QStringList candidates{AppPaths::programRelative(AppGlobals::setting(
+                                     "browserPaths", QLatin1String(browser), QString())),
+                                 AppPaths::withSlash(AppPaths::programFolder()) +
+                                     QStringLiteral("archive/") + QLatin1String(browser)};
+    for (const QString& folder : candidates)
+        if (!folder.isEmpty() && !QDir(folder).isEmpty(QDir::Files))
+            return folder;
+    return QDir::homePath();
+}
+
+// Starts where the user last picked a picture.
+QString pickPicture(QWidget* parent, const PictureEditorMenu& menu, const char* browser) {
+    static QString lastFolder;
     DialogService::FileRequest request;
     request.title = menu.caption("STR_DLG_LOAD_PIC");
-    request.folder = folder;
+    request.folder = lastFolder.isEmpty() ? startFolder(browser) : lastFolder;
     request.filter = DialogService::qtFilter(menu.caption("STR_DLG_LOAD_FILTER"));
     const QString chosen = DialogService::fileDialog(parent, request);
     if (!chosen.isEmpty())
-        folder = QFileInfo(chosen).path();
+        lastFolder = QFileInfo(chosen).path();
     return chosen;
 }
 } // namespace
 
 void ctlPictureEditor::BrowseAddBackground() {
-    const QString chosen = pickPicture(this, m_menu);
+    const QString chosen = pickPicture(this, m_menu, "Backgrounds");
     if (!chosen.isEmpty())
         AddBackgroundPicture(chosen);
 }
 
 void ctlPictureEditor::BrowseAddPicture() {
-    const QString chosen = pickPicture(this, m_menu);
+    const QString chosen = pickPicture(this, m_menu, "Pictures");
     if (!chosen.isEmpty())
         AddImage(chosen);
 }

@@ -350,6 +350,13 @@ TEST_F(PictureEditorTest, BackgroundsAreAColourOrAPictureDrawnAtTheSlidesSize) {
 
     DialogService::queueFileAnswer(picture("wide.png", QSize(400, 100), Qt::darkGreen));
     m_editor.runMenuCommand(PictureEditorMenu::PictureBackground);
+    ASSERT_EQ(DialogService::answeredFileDialogs().size(), 1);
+    EXPECT_TRUE(DialogService::answeredFileDialogs()[0].folder.endsWith("archive/Backgrounds"))
+        << "a first pick starts among the backgrounds the program comes with: "
+        << DialogService::answeredFileDialogs()[0].folder.toStdString();
+    EXPECT_EQ(DialogService::answeredFileDialogs()[0].filter,
+              "Pictures (*.bmp *.gif *.jpg *.jpeg *.png);;All files (*.*)")
+        << "patterns as Qt reads them, or the dialog lists no file";
     EXPECT_EQ(objects().BackType(), clsDrawObjects::BackStill);
     const QString bitmap = objects().BackPicture();
     EXPECT_TRUE(bitmap.startsWith("B") && bitmap.endsWith(".bmp")) << bitmap.toStdString();
