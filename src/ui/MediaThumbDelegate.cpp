@@ -36,7 +36,9 @@ QSize MediaThumbDelegate::sizeHint(const QStyleOptionViewItem& option,
                                    const QModelIndex& index) const {
     Q_UNUSED(index);
     const int line = option.fontMetrics.height();
-    return QSize(m_thumb.width() + 2 * Margin, m_thumb.height() + 2 * line + 3 * Margin);
+    // Room for a name of about fifteen characters under a small thumbnail.
+    const int width = std::max(m_thumb.width(), option.fontMetrics.averageCharWidth() * 15);
+    return QSize(width + 2 * Margin, m_thumb.height() + 2 * line + 3 * Margin);
 }
 
 QPixmap MediaThumbDelegate::soundIcon(int number, int edge) {
@@ -70,7 +72,8 @@ void MediaThumbDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     QApplication::style()->drawControl(QStyle::CE_ItemViewItem, &plain, painter, plain.widget);
 
     const QRect cell = option.rect.adjusted(Margin, Margin, -Margin, -Margin);
-    const QRect frame(cell.topLeft(), m_thumb);
+    QRect frame(QPoint(), m_thumb);
+    frame.moveCenter(QPoint(cell.center().x(), cell.top() + m_thumb.height() / 2));
     painter->save();
     paintPicture(painter, frame, index);
     const bool selected = option.state & QStyle::State_Selected;

@@ -34,6 +34,10 @@ const std::array<ToolTabs::Setup, 4>& ToolTabs::setups() {
 ToolTabs::ToolTabs(QWidget* textPanel, QWidget* parent)
     : QTabWidget(parent), m_textPanel(textPanel) {
     setObjectName(QStringLiteral("ToolTabs"));
+    // Every tab stays in sight, its title shortened when the room is narrow.
+    setUsesScrollButtons(false);
+    setElideMode(Qt::ElideRight);
+    setDocumentMode(true);
     for (const Setup& setup : setups())
         addBrowser(setup);
     addTab(textPanel, QString());

@@ -164,7 +164,8 @@ void ctlBrowser::UseExternalBrowser(bool on) {
     }
     m_tree = new ctlDirTree;
     m_split->insertWidget(0, m_tree);
-    m_split->setStretchFactor(1, 1);
+    m_split->setStretchFactor(0, 2);
+    m_split->setStretchFactor(1, 3);
     m_tree->selectFolder(GetBrowserDir());
     connect(m_tree, &ctlDirTree::folderChosen, this, [this](const QString& folder) {
         m_path = folder;

@@ -92,7 +92,7 @@ void frmMain::buildWindow() {
     dock("dockSlides", m_thumbs, Qt::LeftDockWidgetArea);
     m_thumbs->setMinimumWidth(150);
     dock("dockTools", m_tools, Qt::RightDockWidgetArea);
-    m_tools->setMinimumWidth(260);
+    m_tools->setMinimumWidth(300);
     setCentralWidget(m_panel);
     m_progress->setMaximumWidth(200);
     m_progress->hide();
