@@ -12,11 +12,16 @@
 #include "clsPropertiesXML.h"
 #include "ctlBrowser.h"
 #include "ctlDirTree.h"
+#include "ctlPictureEditor.h"
 #include "frmMain.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QDropEvent>
 #include <QListView>
+#include <QMimeData>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTreeWidget>
 #include <memory>
@@ -156,6 +161,39 @@ TEST_F(MediaBrowserTest, AddPutsTheChosenFileOnTheCurrentSlide) {
     QTest::mouseClick(pictures.findChild<QPushButton*>("cmdAdd"), Qt::LeftButton);
     EXPECT_EQ(DialogService::answeredBoxes().size(), 1);
     EXPECT_EQ(saveAndDescribe().count("object "), 1);
+}
+
+TEST_F(MediaBrowserTest, AThumbnailDraggedOntoTheSlideLandsWhereItIsDropped) {
+    savePicture(folder("Pictures") + "/dot.bmp", QSize(10, 10), Qt::red);
+    const ProgramRun video =
+        runProgram("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "color=c=blue:s=64x48:d=1",
+                              "-pix_fmt", "yuv420p", folder("Animations") + "/clip.mp4"});
+    ASSERT_EQ(video.code, 0) << video.err.toStdString();
+    ctlPictureEditor* editor = window().pictureEditor();
+    const QRect shown = editor->pictureRect();
+    const double zoom = double(shown.width()) / 160;
+    auto dragOnto = [&](ctlBrowser& from, QPoint slidePoint) {
+        std::unique_ptr<QMimeData> data(from.model()->mimeData({from.model()->index(0)}));
+        const QPoint at = shown.topLeft() + slidePoint * zoom;
+        QDragEnterEvent enter(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(editor, &enter);
+        ASSERT_TRUE(enter.isAccepted());
+        QDropEvent dropped(at, Qt::CopyAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(editor, &dropped);
+    };
+    dragOnto(browser(ctlBrowser::Pictures), QPoint(120, 30));
+    ASSERT_EQ(editor->shownObjects().size(), 1);
+    // A video dragged from the animations becomes the background, after the question.
+    DialogService::queueAnswer(QMessageBox::Ok);
+    dragOnto(browser(ctlBrowser::Animations), QPoint(10, 10));
+    const QString info = saveAndDescribe();
+    EXPECT_TRUE(info.contains("background: kind 2")) << info.toStdString();
+    EXPECT_TRUE(info.contains(QRegularExpression("object 1: image I\\w+\\.bmp at 120,30 ")))
+        << info.toStdString();
+    // The slide shows the video's first picture.
+    const QColor shownColour = editor->RenderImage(QSize(160, 120)).pixelColor(5, 5);
+    EXPECT_TRUE(shownColour.blue() > 240 && shownColour.red() < 16)
+        << shownColour.name().toStdString();
 }
 
 TEST_F(MediaBrowserTest, DeleteInformsWithoutAChoiceAndTrashesAChosenFile) {
