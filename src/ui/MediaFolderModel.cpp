@@ -25,6 +25,12 @@ void MediaFolderModel::load(const QString& folder) {
         m_loader->request(row++, file.filename(), m_thumbType, m_edge);
 }
 
+void MediaFolderModel::prioritize(int first, int last) {
+    for (int row = std::max(first, 0); row <= last && size_t(row) < m_shown.size(); ++row)
+        if (m_shown[size_t(row)].loading)
+            m_loader->request(row, m_files.begin()[row].filename(), m_thumbType, m_edge, 1);
+}
+
 void MediaFolderModel::onReady(int row, const MediaThumbnail& thumbnail) {
     if (row < 0 || size_t(row) >= m_shown.size())
         return;

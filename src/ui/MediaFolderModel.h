@@ -39,6 +39,8 @@ public:
     void setThumbnailEdge(int edge) { m_edge = edge; }
     // Reads the folder anew and starts making its thumbnails.
     void load(const QString& folder);
+    // The rows in sight are made before the others.
+    void prioritize(int first, int last);
     QString folder() const { return m_folder; }
     const clsMediaList& files() const { return m_files; }
     ThumbnailLoader& loader() const { return *m_loader; }

@@ -14,6 +14,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -60,6 +61,12 @@ ctlBrowser::ctlBrowser(QWidget* parent)
     m_reload.setInterval(250);
     connect(&m_reload, &QTimer::timeout, this, &ctlBrowser::LoadFiles);
     connect(&m_watcher, &QFileSystemWatcher::directoryChanged, &m_reload,
+            qOverload<>(&QTimer::start));
+    // Thumbnails scrolled into sight are made first.
+    m_inSight.setSingleShot(true);
+    m_inSight.setInterval(80);
+    connect(&m_inSight, &QTimer::timeout, this, &ctlBrowser::prioritizeInSight);
+    connect(m_list->verticalScrollBar(), &QScrollBar::valueChanged, &m_inSight,
             qOverload<>(&QTimer::start));
     TranslateControl();
 }
@@ -145,6 +152,18 @@ void ctlBrowser::LoadFiles() {
         m_model->match(m_model->index(0), Qt::DisplayRole, chosen, 1, Qt::MatchExactly);
     if (!chosen.isEmpty() && !same.isEmpty())
         m_list->setCurrentIndex(same.first());
+}
+
+void ctlBrowser::prioritizeInSight() {
+    const QRect sight = m_list->viewport()->rect();
+    const QModelIndex first = m_list->indexAt(sight.topLeft() + QPoint(4, 4));
+    if (!first.isValid())
+        return;
+    int last = first.row();
+    while (last + 1 < m_model->rowCount() &&
+           m_list->visualRect(m_model->index(last + 1)).top() < sight.bottom())
+        ++last;
+    m_model->prioritize(first.row(), last);
 }
 
 void ctlBrowser::watchFolder() {

@@ -79,6 +79,7 @@ protected:
 private:
     void buildLayout();
     void watchFolder();
+    void prioritizeInSight();
     QString browseFilter() const;
     void inform(const QString& text, const QString& title);
 
@@ -97,4 +98,5 @@ private:
     QString m_path;
     QFileSystemWatcher m_watcher;
     QTimer m_reload;
+    QTimer m_inSight;
 };
