@@ -85,9 +85,11 @@ qint64 soundLength(const QString& path, const QString& kind) {
     // iMelody is a text the phone plays; nothing here measures it.
     if (kind == QLatin1String("IMY"))
         return -1;
-    FfmpegDecoder::MediaInfo info;
+    // Decoded whole, as when it is played: only the samples give the length
+    // without the encoder's padding, so the browser and the slide agree.
+    PcmSound sound;
     QString error;
-    return FfmpegDecoder::probe(path, info, error) && info.hasAudio ? info.lengthMs : -1;
+    return FfmpegDecoder::decodeAudio(path, sound, error) ? sound.lengthMs() : -1;
 }
 } // namespace
 

@@ -89,10 +89,12 @@ void frmMain::buildWindow() {
     m_menu->installShortcuts(this);
     for (const int number : kNotYetOffered)
         m_menu->MenuItemEnabled(number, false);
-    dock("dockSlides", m_thumbs, Qt::LeftDockWidgetArea);
+    QDockWidget* strip = dock("dockSlides", m_thumbs, Qt::LeftDockWidgetArea);
     m_thumbs->setMinimumWidth(150);
-    dock("dockTools", m_tools, Qt::RightDockWidgetArea);
+    QDockWidget* tools = dock("dockTools", m_tools, Qt::RightDockWidgetArea);
     m_tools->setMinimumWidth(300);
+    // The slide keeps the middle; the browsers get room for three thumbnails a row.
+    resizeDocks({strip, tools}, {170, 400}, Qt::Horizontal);
     setCentralWidget(m_panel);
     m_progress->setMaximumWidth(200);
     m_progress->hide();
