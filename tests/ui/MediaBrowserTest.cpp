@@ -155,6 +155,20 @@ TEST_F(MediaBrowserTest, AddPutsTheChosenFileOnTheCurrentSlide) {
     EXPECT_TRUE(info.contains("object 1: image")) << info.toStdString();
     EXPECT_EQ(info.count("object "), 1) << "a double click adds once: " << info.toStdString();
 
+    // Browse offers the browser's kind of file first and puts the pick on the slide.
+    const ProgramRun tone = runProgram(
+        "ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=d=1.2:r=8000", dataFile("tone.wav")});
+    ASSERT_EQ(tone.code, 0) << tone.err.toStdString();
+    DialogService::queueFileAnswer(dataFile("tone.wav"));
+    QTest::mouseClick(browser(ctlBrowser::Sounds).findChild<QPushButton*>("cmdBrowse"),
+                      Qt::LeftButton);
+    ASSERT_EQ(DialogService::answeredFileDialogs().size(), 1);
+    EXPECT_TRUE(DialogService::answeredFileDialogs()[0].filter.startsWith("Sounds (*.wav "))
+        << DialogService::answeredFileDialogs()[0].filter.toStdString();
+    EXPECT_TRUE(
+        saveAndDescribe().contains(QRegularExpression("sound: A\\w+\\.(wav|amr) \"tone\" 1200 ms")))
+        << saveAndDescribe().toStdString();
+
     // Add with nothing chosen says so and adds nothing.
     pictures.list()->setCurrentIndex(QModelIndex());
     DialogService::queueAnswer(QMessageBox::Ok);
