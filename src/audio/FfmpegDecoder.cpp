@@ -5,7 +5,10 @@ extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/opt.h>
 #include <libswresample/swresample.h>
+#include <libswscale/swscale.h>
 }
+
+#include <QImage>
 
 #include <memory>
 
@@ -104,21 +107,46 @@ private:
     int m_channels = 1;
 };
 
-bool openDecoder(AVFormatContext& format, int& streamIndex,
+bool openDecoder(AVFormatContext& format, AVMediaType type, int& streamIndex,
                  std::unique_ptr<AVCodecContext, CodecCloser>& codec, QString& error) {
+    const bool sound = type == AVMEDIA_TYPE_AUDIO;
     const AVCodec* decoder = nullptr;
-    streamIndex = av_find_best_stream(&format, AVMEDIA_TYPE_AUDIO, -1, -1, &decoder, 0);
+    streamIndex = av_find_best_stream(&format, type, -1, -1, &decoder, 0);
     if (streamIndex < 0 || !decoder) {
-        error = QStringLiteral("the file holds no sound");
+        error = sound ? QStringLiteral("the file holds no sound")
+                      : QStringLiteral("the file holds no pictures");
         return false;
     }
     codec.reset(avcodec_alloc_context3(decoder));
     if (!codec ||
         avcodec_parameters_to_context(codec.get(), format.streams[streamIndex]->codecpar) < 0 ||
         avcodec_open2(codec.get(), decoder, nullptr) < 0) {
-        error = QStringLiteral("cannot open the sound decoder");
+        error = sound ? QStringLiteral("cannot open the sound decoder")
+                      : QStringLiteral("cannot open the video decoder");
         return false;
     }
+    return true;
+}
+
+// A decoded video frame as a picture of its own size.
+bool toPicture(const AVFrame& frame, QImage& picture) {
+    if (frame.width <= 0 || frame.height <= 0 || frame.width > FfmpegDecoder::kMaxFrameEdge ||
+        frame.height > FfmpegDecoder::kMaxFrameEdge)
+        return false;
+    SwsContext* scaler =
+        sws_getContext(frame.width, frame.height, AVPixelFormat(frame.format), frame.width,
+                       frame.height, AV_PIX_FMT_RGB32, SWS_BILINEAR, nullptr, nullptr, nullptr);
+    if (!scaler)
+        return false;
+    QImage out(frame.width, frame.height, QImage::Format_RGB32);
+    uint8_t* planes[4] = {out.bits(), nullptr, nullptr, nullptr};
+    int strides[4] = {int(out.bytesPerLine()), 0, 0, 0};
+    const int rows =
+        sws_scale(scaler, frame.data, frame.linesize, 0, frame.height, planes, strides);
+    sws_freeContext(scaler);
+    if (rows != frame.height)
+        return false;
+    picture = out;
     return true;
 }
 } // namespace
@@ -130,7 +158,7 @@ bool FfmpegDecoder::decodeAudio(const QString& path, PcmSound& sound, QString& e
         return false;
     int streamIndex = -1;
     std::unique_ptr<AVCodecContext, CodecCloser> codec;
-    if (!openDecoder(*format, streamIndex, codec, error))
+    if (!openDecoder(*format, AVMEDIA_TYPE_AUDIO, streamIndex, codec, error))
         return false;
     PcmFormat pcm;
     Resampler resampler;
@@ -193,4 +221,35 @@ bool FfmpegDecoder::probe(const QString& path, MediaInfo& info, QString& error) 
         return false;
     }
     return true;
+}
+
+bool FfmpegDecoder::firstVideoFrame(const QString& path, QImage& picture, QString& error) {
+    FormatPtr format = openInput(path, error);
+    if (!format)
+        return false;
+    int streamIndex = -1;
+    std::unique_ptr<AVCodecContext, CodecCloser> codec;
+    if (!openDecoder(*format, AVMEDIA_TYPE_VIDEO, streamIndex, codec, error))
+        return false;
+    std::unique_ptr<AVPacket, PacketFree> packet(av_packet_alloc());
+    std::unique_ptr<AVFrame, FrameFree> frame(av_frame_alloc());
+    // A file whose first picture never completes is given up on, not read to its end.
+    for (int packets = 0; packets < kMaxPacketsForAFrame; ++packets) {
+        const bool ended = av_read_frame(format.get(), packet.get()) < 0;
+        if (ended)
+            avcodec_send_packet(codec.get(), nullptr);
+        else if (packet->stream_index == streamIndex)
+            avcodec_send_packet(codec.get(), packet.get());
+        av_packet_unref(packet.get());
+        if (avcodec_receive_frame(codec.get(), frame.get()) == 0) {
+            if (toPicture(*frame, picture))
+                return true;
+            error = QStringLiteral("the video's pictures cannot be converted");
+            return false;
+        }
+        if (ended)
+            break;
+    }
+    error = QStringLiteral("no picture could be decoded");
+    return false;
 }

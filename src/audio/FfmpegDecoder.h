@@ -4,6 +4,8 @@
 
 #include <QString>
 
+class QImage;
+
 // Compressed sounds and video files through FFmpeg: the decoded audio as
 // 16-bit PCM at the file's own rate, and the length of a media file.
 class FfmpegDecoder {
@@ -23,5 +25,11 @@ public:
     // Stream kinds and the container's length in milliseconds.
     static bool probe(const QString& path, MediaInfo& info, QString& error);
 
+    // The first picture of the first video stream (an AVI, an MP4), at its
+    // own size; false with error set when there is none.
+    static bool firstVideoFrame(const QString& path, QImage& picture, QString& error);
+
     static constexpr std::int64_t kMaxDecodeMs = 20LL * 60 * 1000;
+    static constexpr int kMaxFrameEdge = 8192;
+    static constexpr int kMaxPacketsForAFrame = 256;
 };

@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "AppGlobals.h"
 #include "AtomicFile.h"
+#include "FfmpegDecoder.h"
 #include "PictureCache.h"
 #include "PictureFile.h"
 #include "PlainFileName.h"
@@ -160,12 +161,24 @@ QImage SlideRenderer::load(const QString& fileName, QSize drawnSize) const {
     return QImage();
 }
 
+// A video background is drawn as its first picture.
+QImage SlideRenderer::decode(const QString& path, QSize drawnSize) {
+    if (!path.endsWith(QLatin1String(".avi"), Qt::CaseInsensitive) &&
+        !path.endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive))
+        return PictureFile::load(path, drawnSize);
+    QImage frame;
+    QString error;
+    if (!FfmpegDecoder::firstVideoFrame(path, frame, error))
+        throw AppError(PictureFile::ErrorSource, error);
+    return frame;
+}
+
 QImage SlideRenderer::cachedLoad(const QString& path, QSize drawnSize) const {
     if (!m_cache)
-        return PictureFile::load(path, drawnSize);
+        return decode(path, drawnSize);
     if (const QImage* cached = m_cache->find(path, drawnSize))
         return *cached;
-    const QImage picture = PictureFile::load(path, drawnSize);
+    const QImage picture = decode(path, drawnSize);
     m_cache->insert(path, drawnSize, picture);
     return picture;
 }

@@ -3,20 +3,35 @@
 #include "AppPaths.h"
 
 #include <QDir>
+#include <QFileInfo>
 
-void clsMediaList::LoadFiles(const QString& folder, const QString& extensions) {
-    QStringList patterns;
-    for (QString extension : extensions.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-        extension = extension.trimmed();
-        while (extension.startsWith(QLatin1Char('.')) || extension.startsWith(QLatin1Char('*')))
-            extension.remove(0, 1);
-        patterns << "*." + extension;
+QStringList clsMediaList::wildcards(const QString& patterns) {
+    QStringList result;
+    for (QString pattern : patterns.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        pattern = pattern.trimmed();
+        if (pattern.contains(QLatin1Char('*')) || pattern.contains(QLatin1Char('?'))) {
+            result << pattern;
+            continue;
+        }
+        while (pattern.startsWith(QLatin1Char('.')))
+            pattern.remove(0, 1);
+        if (!pattern.isEmpty())
+            result << "*." + pattern;
     }
+    return result;
+}
+
+void clsMediaList::LoadFiles(const QString& folder, const QString& patterns) {
+    Clear();
+    const QStringList filters = wildcards(patterns);
+    // No folder is no folder, not the current one.
+    if (filters.isEmpty() || folder.isEmpty())
+        return;
     const QDir directory(AppPaths::toDisk(folder));
-    const QStringList names =
-        directory.entryList(patterns, QDir::Files, QDir::Name | QDir::IgnoreCase);
-    for (const QString& name : names)
-        Add(AppPaths::withSlash(directory.path()) + name);
+    const QFileInfoList files = directory.entryInfoList(filters, QDir::Files | QDir::NoSymLinks,
+                                                        QDir::Name | QDir::IgnoreCase);
+    for (const QFileInfo& file : files)
+        Add(file.absoluteFilePath());
 }
 
 clsMedia& clsMediaList::Add(const QString& fileName) {

@@ -3,14 +3,19 @@
 #include "clsMedia.h"
 
 #include <QString>
+#include <QStringList>
 #include <vector>
 
-// The media files of one folder whose extensions are in a list.
+// The media files of one folder whose names match a list of patterns.
 class clsMediaList {
 public:
-    // extensions: comma-separated, with or without dots ("bmp,gif" or ".bmp,.gif"),
-    // compared without regard to case. Files are listed by name.
-    void LoadFiles(const QString& folder, const QString& extensions);
+    // patterns: comma-separated wildcards ("*.bmp,MH_*.mid"); a bare
+    // extension, with or without its dot, stands for "*.ext". Names are
+    // compared without regard to case and listed by name; the list is
+    // replaced. Only regular files are listed, never what a link leads to.
+    void LoadFiles(const QString& folder, const QString& patterns);
+    // The patterns as wildcards, in their order.
+    static QStringList wildcards(const QString& patterns);
 
     void Clear() { m_items.clear(); }
     clsMedia& Add(const QString& fileName);

@@ -256,6 +256,8 @@ qint64 SlidePictureEdits::backgroundColor() const {
 bool SlidePictureEdits::setBackgroundPicture(const QString& source, QString* why) {
     if (!objects())
         return false;
+    if (isAnimated(source))
+        return setBackgroundAnimation(source, why);
     const std::optional<QImage> picture = decoded(source, why);
     const QString bitmap = picture ? writeBackgroundBitmap(*picture, why) : QString();
     return !bitmap.isEmpty() &&
@@ -279,7 +281,36 @@ QString SlidePictureEdits::writeBackgroundBitmap(const QImage& picture, QString*
     return QString();
 }
 
+// An animation or a video plays on the phone as it is: it is taken in whole,
+// with its length as the background's, and a slide picture of it is one
+// of its own kind.
+bool SlidePictureEdits::setBackgroundAnimation(const QString& source, QString* why) {
+    clsMMSManager& manager = m_document.manager();
+    const QString name = manager.GetUniqueFileName(QStringLiteral("B"), source);
+    if (!manager.CopyToWorkFolder(source, name, why))
+        return false;
+    const qint64 length = clsDrawObjects::AnimationLength(workFolder() + name);
+    clsDrawObjects::closeDevice();
+    if (length <= 0) {
+        manager.DeleteWorkFolderFile(name);
+        *why = AppGlobals::text("ERR_ANIMATION_UNPLAYABLE",
+                                "The animation %0 cannot be played: the file is damaged or "
+                                "not an animation the program reads.",
+                                {QFileInfo(source).fileName()});
+        return false;
+    }
+    return change("STR_PICTURE_BACKGROUND", "Background picture", [&](clsDrawObjects& all) {
+        all.setBackType(clsDrawObjects::BackAnimated);
+        all.setBackPicture(name);
+        all.setBackDuration(length);
+        all.setBackGround(QImage());
+    });
+}
+
 bool SlidePictureEdits::isAnimated(const QString& path) {
+    if (clsDrawObjects::KindOfFile(path) != clsDrawObjects::BackAnimated)
+        return false;
     QImageReader reader(path);
-    return reader.supportsAnimation() && reader.imageCount() != 1;
+    // A video is no picture Qt reads; a GIF is an animation with more than one frame.
+    return !reader.canRead() || (reader.supportsAnimation() && reader.imageCount() != 1);
 }

@@ -54,9 +54,10 @@ public:
     // The colour alone becomes the background.
     bool setBackgroundColor(qint64 color);
     qint64 backgroundColor() const;
-    // The picture, drawn at the slide's size, becomes the background bitmap.
+    // The picture, drawn at the slide's size, becomes the background bitmap;
+    // an animation or a video is taken whole and plays for its length.
     bool setBackgroundPicture(const QString& source, QString* why);
-    // More than one frame: only the first can be a background.
+    // A GIF of more than one frame, or a video.
     static bool isAnimated(const QString& path);
 
 private:
@@ -70,6 +71,7 @@ private:
     // A copy of the picture in the work folder, under a fresh "I" name.
     QString bringIn(const QString& source, QString* why) const;
     QString writeBackgroundBitmap(const QImage& picture, QString* why) const;
+    bool setBackgroundAnimation(const QString& source, QString* why);
     QRect centred(QSize size) const;
 
     MessageDocument& m_document;

@@ -4,12 +4,14 @@
 #include "AppPaths.h"
 #include "DialogService.h"
 #include "DroppedMedia.h"
+#include "MediaFolderModel.h"
 #include "MessageDocument.h"
 #include "PictureEditorAccessible.h"
 #include "SlideRenderer.h"
 #include "StoredColor.h"
 #include "clsDrawObjects.h"
 #include "clsPopupMenu.h"
+#include "ctlBrowser.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -775,9 +777,19 @@ void ctlPictureEditor::closeInPlaceEditor(bool keep) {
     m_edits.setProperties(m_inPlaceIndex, p);
 }
 
+namespace {
+// A background or an animation dragged from its browser becomes the
+// slide's background wherever it is dropped.
+bool isBackgroundDrag(const QMimeData& data) {
+    const int kind = data.data(QLatin1String(MediaFolderModel::KindMimeType)).toInt();
+    return kind == ctlBrowser::Backgrounds || kind == ctlBrowser::Animations;
+}
+} // namespace
+
 bool ctlPictureEditor::acceptsDrag(const QMimeData* data) const {
     const QString path = data && m_edits.objects() ? DroppedMedia::pathFrom(*data) : QString();
-    return !path.isEmpty() && DroppedMedia::kindOf(path) != DroppedMedia::Unknown;
+    return !path.isEmpty() &&
+           (DroppedMedia::kindOf(path) != DroppedMedia::Unknown || isBackgroundDrag(*data));
 }
 
 void ctlPictureEditor::dragEnterEvent(QDragEnterEvent* event) {
@@ -795,6 +807,10 @@ void ctlPictureEditor::dropEvent(QDropEvent* event) {
         return;
     event->acceptProposedAction();
     const QString path = DroppedMedia::pathFrom(*event->mimeData());
+    if (isBackgroundDrag(*event->mimeData())) {
+        AddBackgroundPicture(path);
+        return;
+    }
     switch (DroppedMedia::kindOf(path)) {
     case DroppedMedia::Folder:
         return inform(AppGlobals::text("STR_DROP_FOLDER",

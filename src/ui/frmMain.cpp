@@ -10,11 +10,13 @@
 #include "SlideRenderer.h"
 #include "SoundAttacher.h"
 #include "TextPropertiesPanel.h"
+#include "ToolTabs.h"
 #include "VbFormat.h"
 #include "clsDrawObjects.h"
 #include "clsMessage.h"
 #include "clsPropertiesXML.h"
 #include "clsXMLocalizer.h"
+#include "ctlBrowser.h"
 #include "ctlMainMenu.h"
 #include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
@@ -45,8 +47,8 @@ QString text(const char* key, const char* fallback) {
 frmMain::frmMain(QWidget* parent)
     : QMainWindow(parent), m_document(nullptr), m_menu(new ctlMainMenu(this)),
       m_thumbs(new ctlSlideThumbs), m_editor(nullptr), m_panel(nullptr),
-      m_textPanel(new TextPropertiesPanel), m_slides(nullptr), m_files(nullptr),
-      m_status(new QLabel), m_progress(new QProgressBar) {
+      m_textPanel(new TextPropertiesPanel), m_tools(new ToolTabs(m_textPanel)), m_slides(nullptr),
+      m_files(nullptr), m_status(new QLabel), m_progress(new QProgressBar) {
     setObjectName("frmMain");
     m_manager.InitializeFromSettings();
     m_document = new MessageDocument(m_manager, this);
@@ -66,6 +68,7 @@ frmMain::frmMain(QWidget* parent)
     if (clsPropertiesXML* settings = AppGlobals::settings())
         m_menu->recentFiles().load(*settings);
     m_panel->setTimeFormat(AppGlobals::setting("preferences", "MMSTimeFormat", "ms"));
+    m_tools->applySettings();
     restorePosition();
     TranslateForm();
     m_document->newMessage();
@@ -88,7 +91,8 @@ void frmMain::buildWindow() {
         m_menu->MenuItemEnabled(number, false);
     dock("dockSlides", m_thumbs, Qt::LeftDockWidgetArea);
     m_thumbs->setMinimumWidth(150);
-    dock("dockText", m_textPanel, Qt::RightDockWidgetArea);
+    dock("dockTools", m_tools, Qt::RightDockWidgetArea);
+    m_tools->setMinimumWidth(300);
     setCentralWidget(m_panel);
     m_progress->setMaximumWidth(200);
     m_progress->hide();
@@ -161,6 +165,23 @@ void frmMain::connectEditor() {
     connect(m_editor, &ctlPictureEditor::selectionChanged, this, &frmMain::showSelectedText);
     connect(m_textPanel, &TextPropertiesPanel::propertiesEdited, m_editor,
             &ctlPictureEditor::ApplyText);
+    connect(m_tools, &ToolTabs::fileChosen, this, &frmMain::putOnSlide);
+}
+
+// A file chosen in a browser goes on the current slide as that browser's kind.
+void frmMain::putOnSlide(int thumbType, const QString& path) {
+    switch (thumbType) {
+    case ctlBrowser::Pictures:
+        m_editor->AddImage(path);
+        break;
+    case ctlBrowser::Sounds: {
+        const QFileInfo file(path);
+        m_sounds->attach(file.path() + u'/', file.fileName());
+        break;
+    }
+    default:
+        m_editor->AddBackgroundPicture(path);
+    }
 }
 
 void frmMain::showSelectedText() {
@@ -264,10 +285,11 @@ void frmMain::TranslateForm() {
     m_panel->TranslateForm();
     m_editor->TranslateControl();
     m_textPanel->TranslateControl();
+    m_tools->TranslateControl();
     if (auto* strip = findChild<QDockWidget*>("dockSlides"))
         strip->setWindowTitle(text("STR_SLIDES", "Slides"));
-    if (auto* textDock = findChild<QDockWidget*>("dockText"))
-        textDock->setWindowTitle(text("STR_TEXT_PROPERTIES", "Text properties"));
+    if (auto* tools = findChild<QDockWidget*>("dockTools"))
+        tools->setWindowTitle(text("STR_TOOLS", "Tools"));
     m_progress->setAccessibleName(text("STR_PROGRESS", "Progress"));
     setWindowTitle(windowCaption());
     showStatus();
@@ -336,6 +358,7 @@ void frmMain::keepSettings() {
     settings->SetProp("preferences", "MainPosition",
                       QString::number(x()) + u';' + QString::number(y()));
     m_menu->recentFiles().save(*settings);
+    m_tools->keepSettings(*settings);
     settings->SaveXmlFile();
 }
 

@@ -16,6 +16,7 @@ class SlideCommands;
 class SlidePanel;
 class SoundAttacher;
 class TextPropertiesPanel;
+class ToolTabs;
 class ctlMainMenu;
 class ctlPictureEditor;
 class ctlSlideThumbs;
@@ -48,6 +49,7 @@ public:
     SlidePanel* slidePanel() const { return m_panel; }
     ctlPictureEditor* pictureEditor() const { return m_editor; }
     TextPropertiesPanel* textProperties() const { return m_textPanel; }
+    ToolTabs* toolTabs() const { return m_tools; }
     FileCommands* fileCommands() const { return m_files; }
 
     static QString applicationTitle() { return QStringLiteral("Vellumo"); }
@@ -60,6 +62,7 @@ private:
     QDockWidget* dock(const char* name, QWidget* content, Qt::DockWidgetArea area);
     void connectEditor();
     void showSelectedText();
+    void putOnSlide(int thumbType, const QString& path);
     void connectDocument();
     void connectControls();
     void onMenuClick(int number);
@@ -81,6 +84,7 @@ private:
     ctlPictureEditor* m_editor;
     SlidePanel* m_panel;
     TextPropertiesPanel* m_textPanel;
+    ToolTabs* m_tools;
     std::unique_ptr<SoundAttacher> m_sounds;
     SlideCommands* m_slides;
     FileCommands* m_files;

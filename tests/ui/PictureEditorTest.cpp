@@ -364,7 +364,7 @@ TEST_F(PictureEditorTest, BackgroundsAreAColourOrAPictureDrawnAtTheSlidesSize) {
     EXPECT_EQ(QDir(m_manager.GetWorkFolderPath()).entryList({"B*"}, QDir::Files).size(), 1)
         << "only the bitmap stays";
 
-    // An animation as a background: only its first frame, after asking.
+    // An animation as a background, after asking: taken whole, with its length.
     const QString gif = dataFile("blink.gif");
     ASSERT_TRUE(
         runProgram("convert", {"-size", "16x16", "xc:red", "xc:blue", "-loop", "0", gif}).code ==
@@ -375,6 +375,10 @@ TEST_F(PictureEditorTest, BackgroundsAreAColourOrAPictureDrawnAtTheSlidesSize) {
     EXPECT_TRUE(lastBoxText().contains("animated")) << lastBoxText().toStdString();
     DialogService::queueAnswer(QMessageBox::Ok);
     EXPECT_TRUE(m_editor.AddBackgroundPicture(gif));
+    EXPECT_EQ(objects().BackType(), clsDrawObjects::BackAnimated);
+    EXPECT_TRUE(objects().BackPicture().endsWith(".gif"));
+    EXPECT_EQ(readFile(m_manager.GetWorkFolderPath() + objects().BackPicture()), readFile(gif));
+    EXPECT_EQ(objects().BackDuration(), 200) << "two frames that ask for no delay";
     EXPECT_EQ(m_editor.RenderImage(QSize(160, 120)).pixelColor(80, 60), QColor(Qt::red));
 
     DialogService::queueAnswer(QMessageBox::Ok);

@@ -1,0 +1,106 @@
+#include "ToolTabs.h"
+
+#include "AppGlobals.h"
+#include "AppPaths.h"
+#include "clsPropertiesXML.h"
+#include "ctlBrowser.h"
+
+struct ToolTabs::Setup {
+    const char* key; // in "browserPaths", and the archive's folder
+    int thumbType;
+    const char* captionKey;
+    const char* caption;
+    const char* patterns;
+    const char* icons;
+    int stretchMode;
+};
+
+// In the order of the tabs.
+const std::array<ToolTabs::Setup, 4>& ToolTabs::setups() {
+    static const std::array<Setup, 4> table{{
+        {"Backgrounds", ctlBrowser::Backgrounds, "STR_BACKGROUND_TITLE", "Backgrounds",
+         "*.bmp,*.gif,*.jpg,*.jpeg", "", 0},
+        {"Pictures", ctlBrowser::Pictures, "STR_SYMBOLS_TITLE", "Pictures",
+         "*.bmp,*.gif,*.jpg,*.jpeg", "", 1},
+        {"Animations", ctlBrowser::Animations, "STR_ANIMATION_TITLE", "Animations",
+         "*.gif,*.avi,*.mp4", "", 1},
+        {"Sounds", ctlBrowser::Sounds, "STR_AUDIO_TITLE", "Sounds",
+         "*.wav,MH_*.mid,*.mid,*.midi,MH_*.imy,*.imy,*.mp3,*.amr",
+         "101,105,103,103,104,102,106,107", 1},
+    }};
+    return table;
+}
+
+ToolTabs::ToolTabs(QWidget* textPanel, QWidget* parent)
+    : QTabWidget(parent), m_textPanel(textPanel) {
+    setObjectName(QStringLiteral("ToolTabs"));
+    // Every tab stays in sight, its title shortened when the room is narrow.
+    setUsesScrollButtons(false);
+    setElideMode(Qt::ElideRight);
+    setDocumentMode(true);
+    for (const Setup& setup : setups())
+        addBrowser(setup);
+    addTab(textPanel, QString());
+    connect(this, &QTabWidget::currentChanged, this, [](int tab) {
+        if (clsPropertiesXML* settings = AppGlobals::settings())
+            settings->SetProp("preferences", "SelectedTool", QString::number(tab));
+    });
+    TranslateControl();
+}
+
+void ToolTabs::addBrowser(const Setup& setup) {
+    auto* browser = new ctlBrowser;
+    browser->setObjectName(QLatin1String("ctlBrowser") + QLatin1String(setup.key));
+    browser->SetBrowserThumbType(setup.thumbType);
+    browser->SetPictureStretchMode(setup.stretchMode);
+    browser->setIcons(QLatin1String(setup.icons));
+    m_browsers[size_t(count())] = browser;
+    addTab(browser, QString());
+    const int kind = setup.thumbType;
+    connect(browser, &ctlBrowser::addFile, this,
+            [this, kind](const QString& folder, const QString& file) {
+                emit fileChosen(kind, folder + file);
+            });
+    connect(browser, &ctlBrowser::fileBrowsed, this,
+            [this, kind](const QString& path) { emit fileChosen(kind, path); });
+}
+
+void ToolTabs::applySettings() {
+    const bool extended =
+        AppGlobals::setting("preferences", "ExtendedBrowser", "0") == QLatin1String("1");
+    const QString archive = AppPaths::programFolder() + QStringLiteral("archive/");
+    for (size_t i = 0; i < m_browsers.size(); ++i) {
+        const QString key = QLatin1String(setups()[i].key);
+        const QString folder = AppGlobals::setting("browserPaths", key, QString());
+        ctlBrowser* browser = m_browsers[i];
+        browser->UseExternalBrowser(extended);
+        browser->setFiles(QLatin1String(setups()[i].patterns));
+        browser->SetBrowserDefaultDir(folder.isEmpty() ? archive + key
+                                                       : AppPaths::programRelative(folder));
+    }
+    const int tab = AppGlobals::setting("preferences", "SelectedTool", "0").toInt();
+    setCurrentIndex(tab >= 0 && tab < count() ? tab : 0);
+}
+
+void ToolTabs::keepSettings(clsPropertiesXML& settings) const {
+    for (size_t i = 0; i < m_browsers.size(); ++i)
+        settings.SetProp("browserPaths", QLatin1String(setups()[i].key),
+                         m_browsers[i]->GetBrowserDir());
+}
+
+void ToolTabs::TranslateControl() {
+    for (size_t i = 0; i < m_browsers.size(); ++i) {
+        const QString caption = AppGlobals::text(setups()[i].captionKey, setups()[i].caption);
+        setTabText(int(i), caption);
+        m_browsers[i]->setCaption(caption);
+        m_browsers[i]->TranslateControl();
+    }
+    setTabText(indexOf(m_textPanel), AppGlobals::text("STR_TEXT_TITLE", "Text"));
+}
+
+ctlBrowser* ToolTabs::browser(int thumbType) const {
+    for (ctlBrowser* browser : m_browsers)
+        if (browser->thumbType() == thumbType)
+            return browser;
+    return nullptr;
+}
