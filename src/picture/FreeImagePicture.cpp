@@ -5,8 +5,8 @@
 #include "FreeImageBitmap.h"
 #include "FreeImageSource.h"
 #include "PictureFile.h"
+#include "PictureLength.h"
 #include "PictureLimits.h"
-#include "PsdLength.h"
 
 #include <QFileInfo>
 #include <algorithm>
@@ -88,21 +88,25 @@ QImage readWithQt(const QString& path, bool libraryTried) {
 }
 
 void checkComplete(FreeImageSource& source, FREE_IMAGE_FORMAT format, const QString& path) {
-    if (format != FIF_PSD)
-        return;
-    const auto length = PsdLength::required(source.file());
+    std::optional<qint64> length;
+    if (format == FIF_PSD)
+        length = PictureLength::required(source.file(), PictureLength::Layered);
+    else if (format == FIF_TARGA)
+        length = PictureLength::required(source.file(), PictureLength::Targa);
+    else if (format == FIF_PCX)
+        length = PictureLength::required(source.file(), PictureLength::Pcx);
     if (length && *length > source.file().size())
         truncated(path);
 }
 
 QImage decode(FreeImageSource& source, FREE_IMAGE_FORMAT format, const QString& path) {
-    checkComplete(source, format, path);
     {
         const FreeImageBitmapPtr header = source.load(format, FIF_LOAD_NOPIXELS);
         if (!header)
             return readWithQt(path, true);
         checkSize(header.get(), path);
     }
+    checkComplete(source, format, path);
     // Phone photos are shown the way up the phone recorded.
     const FreeImageBitmapPtr bitmap = source.load(format, format == FIF_JPEG ? JPEG_EXIFROTATE : 0);
     if (source.ranDry())

@@ -81,7 +81,8 @@ frmPictureBrowser::frmPictureBrowser(QWidget* parent)
     connectCommands();
     TranslateControl();
     enablePictureCommands(false);
-    setFolder(AppPaths::programRelative(AppGlobals::setting("preferences", FolderKey, QString())));
+    const QString saved = AppGlobals::setting("preferences", FolderKey, QString());
+    setFolder(saved.isEmpty() ? AppPaths::documentsFolder() : AppPaths::programRelative(saved));
 }
 
 QPushButton* frmPictureBrowser::addButton(const char* name, const char* icon,
