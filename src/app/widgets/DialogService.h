@@ -24,7 +24,8 @@ public:
                                                   QMessageBox::Icon icon);
 
     struct FileRequest {
-        enum Kind { Open, Save } kind = Open;
+        // Folder chooses a folder rather than a file.
+        enum Kind { Open, Save, Folder } kind = Open;
         QString title;
         QString folder; // where it starts, with the proposed file name for Save
         QString filter; // Qt's form: "Messages (*.mms)"
@@ -33,7 +34,7 @@ public:
     // A filter of the settings' form, "Description|*.a;*.b|Other|*.c", in Qt's
     // form, "Description (*.a *.b);;Other (*.c)".
     static QString qtFilter(const QString& filter);
-    // The chosen file's path, or "" when the user cancelled.
+    // The chosen file's (or folder's) path, or "" when the user cancelled.
     static QString fileDialog(QWidget* parent, const FileRequest& request);
 
     struct ColorRequest {

@@ -41,7 +41,9 @@ QString DialogService::fileDialog(QWidget* parent, const FileRequest& request) {
     QFileDialog dialog(parent, request.title, request.folder, request.filter);
     const bool save = request.kind == FileRequest::Save;
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    dialog.setFileMode(request.kind == FileRequest::Folder ? QFileDialog::Directory
+                       : save                              ? QFileDialog::AnyFile
+                                                           : QFileDialog::ExistingFile);
     dialog.setDefaultSuffix(request.defaultSuffix);
     if (save && !QFileInfo(request.folder).isDir())
         dialog.selectFile(request.folder);
