@@ -5,6 +5,9 @@
 #include "clsPropertiesXML.h"
 #include "ctlBrowser.h"
 
+#include <QPushButton>
+#include <QShortcut>
+
 struct ToolTabs::Setup {
     const char* key; // in "browserPaths", and the archive's folder
     int thumbType;
@@ -32,7 +35,7 @@ const std::array<ToolTabs::Setup, 4>& ToolTabs::setups() {
 }
 
 ToolTabs::ToolTabs(QWidget* textPanel, QWidget* parent)
-    : QTabWidget(parent), m_textPanel(textPanel) {
+    : QTabWidget(parent), m_pictureBrowser(new QPushButton), m_textPanel(textPanel) {
     setObjectName(QStringLiteral("ToolTabs"));
     // Every tab stays in sight, its title shortened when the room is narrow.
     setUsesScrollButtons(false);
@@ -41,6 +44,13 @@ ToolTabs::ToolTabs(QWidget* textPanel, QWidget* parent)
     for (const Setup& setup : setups())
         addBrowser(setup);
     addTab(textPanel, QString());
+    m_pictureBrowser->setObjectName(QStringLiteral("cmdPictureBrowser"));
+    browser(ctlBrowser::Pictures)->addButton(m_pictureBrowser);
+    connect(m_pictureBrowser, &QPushButton::clicked, this, &ToolTabs::pictureBrowserRequested);
+    // Reached from anywhere in the window, whichever tab is shown.
+    auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_B), this);
+    shortcut->setContext(Qt::WindowShortcut);
+    connect(shortcut, &QShortcut::activated, this, &ToolTabs::pictureBrowserRequested);
     connect(this, &QTabWidget::currentChanged, this, [](int tab) {
         if (clsPropertiesXML* settings = AppGlobals::settings())
             settings->SetProp("preferences", "SelectedTool", QString::number(tab));
@@ -96,6 +106,10 @@ void ToolTabs::TranslateControl() {
         m_browsers[i]->TranslateControl();
     }
     setTabText(indexOf(m_textPanel), AppGlobals::text("STR_TEXT_TITLE", "Text"));
+    m_pictureBrowser->setText(AppGlobals::text("STR_PB_OPEN", "&Photos..."));
+    m_pictureBrowser->setToolTip(
+        AppGlobals::text("STR_PB_OPEN_TIP",
+                         "Pictures of any format, turned and cropped to the slide (Ctrl+Shift+B)"));
 }
 
 ctlBrowser* ToolTabs::browser(int thumbType) const {

@@ -3,6 +3,7 @@
 #include <QTabWidget>
 #include <array>
 
+class QPushButton;
 class clsPropertiesXML;
 class ctlBrowser;
 
@@ -26,6 +27,8 @@ public:
 signals:
     // A file the user chose in a browser (Add or Browse) for the current slide.
     void fileChosen(int thumbType, const QString& path);
+    // The pictures tab's way to the picture browser window.
+    void pictureBrowserRequested();
 
 private:
     struct Setup;
@@ -33,5 +36,6 @@ private:
     void addBrowser(const Setup& setup);
 
     std::array<ctlBrowser*, 4> m_browsers{};
+    QPushButton* m_pictureBrowser;
     QWidget* m_textPanel;
 };

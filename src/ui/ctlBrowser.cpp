@@ -224,6 +224,11 @@ void ctlBrowser::setThumbSize(QSize size) {
     m_list->doItemsLayout();
 }
 
+void ctlBrowser::addButton(QPushButton* button) {
+    auto* row = static_cast<QHBoxLayout*>(m_buttons->layout());
+    row->insertWidget(row->count() - 1, button);
+}
+
 QString ctlBrowser::filename() const {
     const QModelIndex current = m_list->currentIndex();
     return current.isValid() ? current.data().toString() : QString();

@@ -53,6 +53,8 @@ public:
     void setButtonsVisible(bool visible);
     void setControlsEnabled(bool enabled);
     void setThumbSize(QSize size);
+    // A button of the owner's at the end of the row (it takes the button).
+    void addButton(QPushButton* button);
 
     // The chosen file's name (without folder) and its 1-based index; "" and 0 for none.
     QString filename() const;

@@ -21,6 +21,7 @@
 #include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
 #include "frmHelp.h"
+#include "frmPictureBrowser.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -168,6 +169,7 @@ void frmMain::connectEditor() {
     connect(m_textPanel, &TextPropertiesPanel::propertiesEdited, m_editor,
             &ctlPictureEditor::ApplyText);
     connect(m_tools, &ToolTabs::fileChosen, this, &frmMain::putOnSlide);
+    connect(m_tools, &ToolTabs::pictureBrowserRequested, this, &frmMain::showPictureBrowser);
 }
 
 // A file chosen in a browser goes on the current slide as that browser's kind.
@@ -184,6 +186,29 @@ void frmMain::putOnSlide(int thumbType, const QString& path) {
     default:
         m_editor->AddBackgroundPicture(path);
     }
+}
+
+frmPictureBrowser* frmMain::pictureBrowser() {
+    if (!mFrmPictureBrowser) {
+        mFrmPictureBrowser = new frmPictureBrowser(this);
+        connect(mFrmPictureBrowser, &frmPictureBrowser::AddPicture, this,
+                &frmMain::mFrmPictureBrowser_AddPicture);
+    }
+    return mFrmPictureBrowser;
+}
+
+void frmMain::showPictureBrowser() {
+    frmPictureBrowser* browser = pictureBrowser();
+    browser->setSlideSize(m_editor->surfaceSize());
+    browser->show();
+    browser->raise();
+    browser->activateWindow();
+}
+
+// The picture comes as a file of the browser's own; the editor copies it in.
+void frmMain::mFrmPictureBrowser_AddPicture(const QString& file) {
+    m_editor->SaveDrawObjects();
+    m_editor->AddImage(file);
 }
 
 void frmMain::showSelectedText() {
@@ -288,6 +313,8 @@ void frmMain::TranslateForm() {
     m_editor->TranslateControl();
     m_textPanel->TranslateControl();
     m_tools->TranslateControl();
+    if (mFrmPictureBrowser)
+        mFrmPictureBrowser->TranslateControl();
     if (auto* strip = findChild<QDockWidget*>("dockSlides"))
         strip->setWindowTitle(text("STR_SLIDES", "Slides"));
     if (auto* tools = findChild<QDockWidget*>("dockTools"))

@@ -20,6 +20,7 @@ class ToolTabs;
 class ctlMainMenu;
 class ctlPictureEditor;
 class ctlSlideThumbs;
+class frmPictureBrowser;
 
 // The composer's main window. It composes the menu bar, the slide strip, the
 // slide panel and the status bar around one MessageDocument, and hands every
@@ -50,6 +51,9 @@ public:
     ctlPictureEditor* pictureEditor() const { return m_editor; }
     TextPropertiesPanel* textProperties() const { return m_textPanel; }
     ToolTabs* toolTabs() const { return m_tools; }
+    // The picture browser window, made when it is first asked for.
+    frmPictureBrowser* pictureBrowser();
+    void showPictureBrowser();
     FileCommands* fileCommands() const { return m_files; }
 
     static QString applicationTitle() { return QStringLiteral("Vellumo"); }
@@ -63,6 +67,7 @@ private:
     void connectEditor();
     void showSelectedText();
     void putOnSlide(int thumbType, const QString& path);
+    void mFrmPictureBrowser_AddPicture(const QString& file);
     void connectDocument();
     void connectControls();
     void onMenuClick(int number);
@@ -85,6 +90,7 @@ private:
     SlidePanel* m_panel;
     TextPropertiesPanel* m_textPanel;
     ToolTabs* m_tools;
+    frmPictureBrowser* mFrmPictureBrowser = nullptr;
     std::unique_ptr<SoundAttacher> m_sounds;
     SlideCommands* m_slides;
     FileCommands* m_files;

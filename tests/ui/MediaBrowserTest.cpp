@@ -14,14 +14,17 @@
 #include "ctlDirTree.h"
 #include "ctlPictureEditor.h"
 #include "frmMain.h"
+#include "frmPictureBrowser.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QDropEvent>
 #include <QListView>
+#include <QListWidget>
 #include <QMimeData>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTreeWidget>
 #include <memory>
@@ -208,6 +211,32 @@ TEST_F(MediaBrowserTest, AThumbnailDraggedOntoTheSlideLandsWhereItIsDropped) {
     const QColor shownColour = editor->RenderImage(QSize(160, 120)).pixelColor(5, 5);
     EXPECT_TRUE(shownColour.blue() > 240 && shownColour.red() < 16)
         << shownColour.name().toStdString();
+}
+
+TEST_F(MediaBrowserTest, PicturesOfOtherProgramsReachTheSlideThroughThePictureBrowser) {
+    const QString photos = m_root.path() + "/photos";
+    ASSERT_TRUE(QDir().mkpath(photos));
+    AppGlobals::settings()->SetProp("preferences", "SavedPictureBrowserPath", photos);
+    for (const char* name : {"scan.tga", "paint.pcx", "layers.psd"}) {
+        const ProgramRun made = runProgram(
+            "convert", {"-size", "80x60", "gradient:orange-purple", photos + u'/' + name});
+        ASSERT_EQ(made.code, 0) << made.err.toStdString();
+    }
+    QTest::keyClick(&window(), Qt::Key_B, Qt::ControlModifier | Qt::ShiftModifier);
+    frmPictureBrowser* pictures = window().pictureBrowser();
+    ASSERT_TRUE(pictures->isVisible());
+    auto* files = pictures->findChild<QListWidget*>("lstFiles");
+    ASSERT_EQ(files->count(), 3);
+    for (int row = 0; row < files->count(); ++row) {
+        QSignalSpy finished(pictures, &frmPictureBrowser::loadFinished);
+        files->setCurrentRow(row);
+        ASSERT_TRUE(finished.wait(60000));
+        QTest::keyClick(pictures, Qt::Key_Return, Qt::ControlModifier);
+    }
+    const QString info = saveAndDescribe();
+    for (const char* object : {"object 1: image", "object 2: image", "object 3: image"})
+        EXPECT_TRUE(info.contains(object)) << info.toStdString();
+    EXPECT_EQ(info.count("size 80x60"), 3) << info.toStdString();
 }
 
 TEST_F(MediaBrowserTest, DeleteInformsWithoutAChoiceAndTrashesAChosenFile) {
