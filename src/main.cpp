@@ -3,6 +3,7 @@
 #include "modMain.h"
 
 #include <QApplication>
+#include <QIcon>
 
 int main(int argc, char* argv[]) {
     // Temporary folders go with the program, however it ends.
@@ -11,6 +12,9 @@ int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     QApplication::setApplicationName("Vellumo");
     QApplication::setApplicationVersion(VELLUMO_VERSION);
+    // Outside a full desktop no icon theme is named; the freedesktop names
+    // the program uses (folders, drives, tools) then come from this one.
+    QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
     if (const std::optional<int> exitCode = modMain::Main(QApplication::arguments())) {
         modMain::Shutdown();
         return *exitCode;

@@ -29,6 +29,9 @@ ctlDirTree::ctlDirTree(QWidget* parent) : QTreeWidget(parent) {
     setObjectName(QStringLiteral("ctlDirTree"));
     setHeaderHidden(true);
     setColumnCount(1);
+    // Deep folders keep their names in sight in a narrow pane.
+    setIndentation(12);
+    setMinimumWidth(180);
     connect(this, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) {
         fillChildren(item);
         if (item->data(0, IconKeyRole).toString() == QLatin1String("folder"))
