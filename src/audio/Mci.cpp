@@ -78,6 +78,8 @@ QString Mci::mciGetErrorString(int code) {
 int Mci::mciSendString(const QString& command, QString* reply, int replySize) {
     QString text;
     m_lastDetail.clear();
+    if (m_trace)
+        m_trace(command);
     const int result = execute(command, text);
     if (reply)
         *reply = replySize > 0 ? text.left(replySize - 1) : QString();

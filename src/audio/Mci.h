@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -33,6 +34,9 @@ public:
     // What the library said about the last failure (a file's defect, for instance).
     QString lastErrorDetail() const { return m_lastDetail; }
     AudioBackend& backend() const { return m_backend; }
+    // Every command string as it is received, for a log or a test that
+    // checks what was asked of the device and in which order.
+    void setTrace(std::function<void(const QString& command)> trace) { m_trace = std::move(trace); }
 
     // The interpreter the program uses: over the sound device when there is
     // one, otherwise the silent backend. Tests install their own.
@@ -51,6 +55,7 @@ private:
     AudioBackend& m_backend;
     std::map<QString, std::unique_ptr<MciDevice>> m_devices;
     QString m_lastDetail;
+    std::function<void(const QString&)> m_trace;
 };
 
 // The interface as the program calls it, on Mci::instance().
