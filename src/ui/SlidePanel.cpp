@@ -23,13 +23,16 @@ SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
     : QWidget(parent), m_picture(picture), txtMessage(new QPlainTextEdit(this)),
       m_time(new ctlSlideTime(this)), lblText(FieldLabel::create(txtMessage, this)),
       lblSlideTime(FieldLabel::create(m_time, this)), lblTotal(new QLabel(this)),
-      lblTime(new QLabel(this)), lblSound(new QLabel(this)), cmdAddNewSlide(new QPushButton(this)),
-      cmdDuplicateSlide(new QPushButton(this)), cmdDeleteSlide(new QPushButton(this)) {
+      lblTime(new QLabel(this)), lblSound(new QLabel(this)), cmdPlaySound(new QPushButton(this)),
+      cmdAddNewSlide(new QPushButton(this)), cmdDuplicateSlide(new QPushButton(this)),
+      cmdDeleteSlide(new QPushButton(this)) {
     txtMessage->setObjectName(QStringLiteral("txtMessage"));
     txtMessage->setTabChangesFocus(true);
     txtMessage->setMaximumHeight(fontMetrics().lineSpacing() * 4);
     lblTime->setObjectName(QStringLiteral("lblTime"));
     lblSound->setObjectName(QStringLiteral("lblSound"));
+    cmdPlaySound->setObjectName(QStringLiteral("cmdPlaySound"));
+    cmdPlaySound->setEnabled(false);
     cmdAddNewSlide->setObjectName(QStringLiteral("cmdAddNewSlide"));
     cmdDuplicateSlide->setObjectName(QStringLiteral("cmdDuplicateSlide"));
     cmdDeleteSlide->setObjectName(QStringLiteral("cmdDeleteSlide"));
@@ -44,6 +47,7 @@ SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
     connect(cmdAddNewSlide, &QPushButton::clicked, this, &SlidePanel::addClicked);
     connect(cmdDuplicateSlide, &QPushButton::clicked, this, &SlidePanel::duplicateClicked);
     connect(cmdDeleteSlide, &QPushButton::clicked, this, &SlidePanel::deleteClicked);
+    connect(cmdPlaySound, &QPushButton::clicked, this, &SlidePanel::playSoundClicked);
     TranslateForm();
 }
 
@@ -58,6 +62,7 @@ void SlidePanel::buildLayout() {
     total->addWidget(lblTime);
     fields->addLayout(total, 1, 2);
     fields->addWidget(lblSound, 1, 3);
+    fields->addWidget(cmdPlaySound, 1, 4);
     fields->setColumnStretch(3, 1);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdAddNewSlide);
@@ -78,6 +83,7 @@ void SlidePanel::TranslateForm() {
     cmdAddNewSlide->setText(AppGlobals::text("MNU_SLIDE_ADD", "Add slide"));
     cmdDuplicateSlide->setText(AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate"));
     cmdDeleteSlide->setText(AppGlobals::text("BTN_DELETE", "Delete"));
+    setSoundPlaying(m_soundPlaying);
     lblTotal->setText(AppGlobals::text("STR_TOTAL_TIME", "Total time") + u':');
     lblSound->setAccessibleDescription(AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
 }
@@ -87,6 +93,7 @@ void SlidePanel::showSlide(const clsMessage* message, int slide) {
     if (!message || slide < 1 || slide > message->Slides().Count()) {
         txtMessage->clear();
         lblSound->clear();
+        cmdPlaySound->setEnabled(false);
         m_showing = false;
         return;
     }
@@ -99,7 +106,16 @@ void SlidePanel::showSlide(const clsMessage* message, int slide) {
     lblSound->setText(shown.Sound().isEmpty()
                           ? QString()
                           : shown.SoundName() + " - " + seconds(shown.SoundDuration()));
+    cmdPlaySound->setEnabled(!shown.Sound().isEmpty());
     m_showing = false;
+}
+
+void SlidePanel::setSoundPlaying(bool playing) {
+    m_soundPlaying = playing;
+    cmdPlaySound->setText(playing ? AppGlobals::text("STR_STOP", "Stop")
+                                  : AppGlobals::text("STR_PLAY", "Play"));
+    cmdPlaySound->setAccessibleName(cmdPlaySound->text() + u' ' +
+                                    AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
 }
 
 void SlidePanel::showTotal(qint64 ms) {

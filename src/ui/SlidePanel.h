@@ -23,6 +23,8 @@ public:
     void showTotal(qint64 ms);
     void setTimeFormat(const QString& format);
     void setSlideButtonsEnabled(bool enabled);
+    // The play button beside the sound shows Stop while the sound plays.
+    void setSoundPlaying(bool playing);
     QPlainTextEdit* textBox() const { return txtMessage; }
     ctlSlideTime* timeField() const { return m_time; }
 
@@ -34,6 +36,7 @@ signals:
     void addClicked();
     void duplicateClicked();
     void deleteClicked();
+    void playSoundClicked();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -49,8 +52,10 @@ private:
     QLabel* lblTotal;
     QLabel* lblTime;
     QLabel* lblSound;
+    QPushButton* cmdPlaySound;
     QPushButton* cmdAddNewSlide;
     QPushButton* cmdDuplicateSlide;
     QPushButton* cmdDeleteSlide;
     bool m_showing = false;
+    bool m_soundPlaying = false;
 };

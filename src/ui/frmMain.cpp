@@ -8,6 +8,7 @@
 #include "SlideCommands.h"
 #include "SlidePanel.h"
 #include "SlideRenderer.h"
+#include "SlideSoundPlayer.h"
 #include "SoundAttacher.h"
 #include "TextPropertiesPanel.h"
 #include "ToolTabs.h"
@@ -48,8 +49,9 @@ QString text(const char* key, const char* fallback) {
 frmMain::frmMain(QWidget* parent)
     : QMainWindow(parent), m_document(nullptr), m_menu(new ctlMainMenu(this)),
       m_thumbs(new ctlSlideThumbs), m_editor(nullptr), m_panel(nullptr),
-      m_textPanel(new TextPropertiesPanel), m_tools(new ToolTabs(m_textPanel)), m_slides(nullptr),
-      m_files(nullptr), m_status(new QLabel), m_progress(new QProgressBar) {
+      m_textPanel(new TextPropertiesPanel), m_tools(new ToolTabs(m_textPanel)),
+      m_soundPlayer(new SlideSoundPlayer(this)), m_slides(nullptr), m_files(nullptr),
+      m_status(new QLabel), m_progress(new QProgressBar) {
     setObjectName("frmMain");
     m_manager.InitializeFromSettings();
     m_document = new MessageDocument(m_manager, this);
@@ -155,6 +157,9 @@ void frmMain::connectControls() {
         m_editor->SaveDrawObjects();
         m_slides->duplicateAfter(m_document->currentSlide());
     });
+    connect(m_panel, &SlidePanel::playSoundClicked, this, &frmMain::playSlideSound);
+    connect(m_soundPlayer, &SlideSoundPlayer::stopped, m_panel,
+            [this] { m_panel->setSoundPlaying(false); });
     connect(m_panel, &SlidePanel::deleteClicked, this, [this] {
         m_editor->SaveDrawObjects();
         m_slides->deleteSlide(m_document->currentSlide());
@@ -209,6 +214,22 @@ void frmMain::showPictureBrowser() {
 void frmMain::mFrmPictureBrowser_AddPicture(const QString& file) {
     m_editor->SaveDrawObjects();
     m_editor->AddImage(file);
+}
+
+// The play button beside the sound: plays it, or stops it while it plays.
+void frmMain::playSlideSound() {
+    if (m_soundPlayer->isPlaying())
+        return m_soundPlayer->stop();
+    const clsMessage* message = m_document->message();
+    const int slide = m_document->currentSlide();
+    if (!message || slide < 1 || slide > message->Slides().Count())
+        return;
+    const QString sound = message->Slides().Item(slide).Sound();
+    QString why;
+    if (m_soundPlayer->play(m_manager.GetWorkFolderPath() + sound, &why))
+        return m_panel->setSoundPlaying(true);
+    DialogService::messageBox(this, why, text("STR_ERROR", "Error"), QMessageBox::Ok,
+                              QMessageBox::Warning);
 }
 
 void frmMain::showSelectedText() {
@@ -272,6 +293,7 @@ void frmMain::onCurrentSlideChanged(int slide) {
 
 void frmMain::showSlide(int slide) {
     m_shownSlide = slide;
+    m_soundPlayer->stop();
     m_thumbs->SelectSlide(slide);
     m_panel->showSlide(m_document->message(), slide);
     m_editor->LoadDrawObjects();

@@ -14,6 +14,7 @@ class QLabel;
 class QProgressBar;
 class SlideCommands;
 class SlidePanel;
+class SlideSoundPlayer;
 class SoundAttacher;
 class TextPropertiesPanel;
 class ToolTabs;
@@ -68,6 +69,7 @@ private:
     void showSelectedText();
     void putOnSlide(int thumbType, const QString& path);
     void mFrmPictureBrowser_AddPicture(const QString& file);
+    void playSlideSound();
     void connectDocument();
     void connectControls();
     void onMenuClick(int number);
@@ -92,6 +94,7 @@ private:
     ToolTabs* m_tools;
     frmPictureBrowser* mFrmPictureBrowser = nullptr;
     std::unique_ptr<SoundAttacher> m_sounds;
+    SlideSoundPlayer* m_soundPlayer;
     SlideCommands* m_slides;
     FileCommands* m_files;
     QLabel* m_status;

@@ -1,14 +1,17 @@
 #include "AppGlobals.h"
 #include "DialogService.h"
+#include "Mci.h"
 #include "MediaFolderModel.h"
 #include "MessageDocument.h"
 #include "PhotoSamples.h"
 #include "ProgramRun.h"
+#include "ScriptedAudioBackend.h"
 #include "SettingsBootstrap.h"
 #include "TempDataHome.h"
 #include "ThumbnailCache.h"
 #include "ThumbnailLoader.h"
 #include "ToolTabs.h"
+#include "clsMessage.h"
 #include "clsPropertiesXML.h"
 #include "ctlBrowser.h"
 #include "ctlDirTree.h"
@@ -237,6 +240,46 @@ TEST_F(MediaBrowserTest, PicturesOfOtherProgramsReachTheSlideThroughThePictureBr
     for (const char* object : {"object 1: image", "object 2: image", "object 3: image"})
         EXPECT_TRUE(info.contains(object)) << info.toStdString();
     EXPECT_EQ(info.count("size 80x60"), 3) << info.toStdString();
+}
+
+TEST_F(MediaBrowserTest, TheSlidesSoundPlaysFromBesideItsNameAnAmrThroughAWavCopy) {
+    ScriptedAudioBackend card;
+    Mci mci(card);
+    Mci::install(&mci);
+    QStringList sent;
+    mci.setTrace([&sent](const QString& command) { sent << command; });
+    AppGlobals::settings()->SetProp("preferences", "ConvertWavToAmr", "1");
+    const ProgramRun tone =
+        runProgram("ffmpeg", {"-v", "error", "-f", "lavfi", "-i", "sine=d=1:r=8000",
+                              folder("Sounds") + "/hum.wav"});
+    ASSERT_EQ(tone.code, 0) << tone.err.toStdString();
+    ctlBrowser& sounds = browser(ctlBrowser::Sounds);
+    sounds.selectIndex(1);
+    sounds.addSelected();
+    auto* play = window().findChild<QPushButton*>("cmdPlaySound");
+    ASSERT_TRUE(play->isEnabled());
+    const QString sound = window().document().message()->Slides().Item(1).Sound();
+    ASSERT_TRUE(sound.endsWith(".amr")) << sound.toStdString();
+
+    QTest::mouseClick(play, Qt::LeftButton);
+    EXPECT_EQ(play->text(), "Stop");
+    const QString opened = sent.filter("alias playsound").value(0);
+    EXPECT_TRUE(opened.startsWith("open waveaudio!") && opened.endsWith(".wav alias playsound") &&
+                !opened.contains(window().manager().GetWorkFolderPath()))
+        << "a copy outside the work folder: " << opened.toStdString();
+    card.advance(1500);
+    QTRY_COMPARE(play->text(), QString("Play"));
+    EXPECT_GE(card.played().size(), 15000) << "about a second of 8000 Hz 16-bit sound";
+
+    // A sound that has gone from the work folder is reported, not played.
+    ASSERT_TRUE(QFile::remove(window().manager().GetWorkFolderPath() + sound));
+    DialogService::queueAnswer(QMessageBox::Ok);
+    QTest::mouseClick(play, Qt::LeftButton);
+    ASSERT_EQ(DialogService::answeredBoxes().size(), 1);
+    EXPECT_EQ(DialogService::answeredBoxes()[0].text, "The file cannot be found.");
+    EXPECT_EQ(play->text(), "Play");
+    m_window.reset();
+    Mci::install(nullptr);
 }
 
 TEST_F(MediaBrowserTest, DeleteInformsWithoutAChoiceAndTrashesAChosenFile) {
