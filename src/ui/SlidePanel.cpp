@@ -61,9 +61,12 @@ void SlidePanel::buildLayout() {
     total->addWidget(lblTotal);
     total->addWidget(lblTime);
     fields->addLayout(total, 1, 2);
-    fields->addWidget(lblSound, 1, 3);
-    fields->addWidget(cmdPlaySound, 1, 4);
     fields->setColumnStretch(3, 1);
+    // The sound has a row of its own, so a long name never narrows the slide.
+    auto* sound = new QHBoxLayout;
+    sound->addWidget(lblSound, 1);
+    sound->addWidget(cmdPlaySound);
+    fields->addLayout(sound, 2, 1, 1, 3);
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(cmdAddNewSlide);
     buttons->addWidget(cmdDuplicateSlide);

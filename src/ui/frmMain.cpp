@@ -390,7 +390,10 @@ void frmMain::closeEvent(QCloseEvent* event) {
 }
 
 void frmMain::restorePosition() {
-    resize(960, 640);
+    // Room for the strip, the slide at twice its size and three thumbnails a row.
+    const QScreen* primary = QGuiApplication::primaryScreen();
+    const QSize room = primary ? primary->availableGeometry().size() * 0.9 : QSize(1280, 800);
+    resize(QSize(1280, 800).boundedTo(room).expandedTo(QSize(960, 640)));
     const QStringList position =
         AppGlobals::setting("preferences", "MainPosition", "-1;-1").split(u';');
     const QPoint topLeft(position.value(0).toInt(), position.value(1).toInt());
