@@ -3,6 +3,7 @@
 #include "AppGlobals.h"
 #include "AppPaths.h"
 #include "clsPropertiesXML.h"
+#include "ctlAudioRecorder.h"
 #include "ctlBrowser.h"
 
 #include <QPushButton>
@@ -35,7 +36,8 @@ const std::array<ToolTabs::Setup, 4>& ToolTabs::setups() {
 }
 
 ToolTabs::ToolTabs(QWidget* textPanel, QWidget* parent)
-    : QTabWidget(parent), m_pictureBrowser(new QPushButton), m_textPanel(textPanel) {
+    : QTabWidget(parent), m_pictureBrowser(new QPushButton), m_recorder(new ctlAudioRecorder),
+      m_textPanel(textPanel) {
     setObjectName(QStringLiteral("ToolTabs"));
     // Every tab stays in sight, its title shortened when the room is narrow.
     setUsesScrollButtons(false);
@@ -43,6 +45,7 @@ ToolTabs::ToolTabs(QWidget* textPanel, QWidget* parent)
     setDocumentMode(true);
     for (const Setup& setup : setups())
         addBrowser(setup);
+    addTab(m_recorder, QString());
     addTab(textPanel, QString());
     m_pictureBrowser->setObjectName(QStringLiteral("cmdPictureBrowser"));
     browser(ctlBrowser::Pictures)->addButton(m_pictureBrowser);
@@ -88,6 +91,8 @@ void ToolTabs::applySettings() {
         browser->SetBrowserDefaultDir(folder.isEmpty() ? archive + key
                                                        : AppPaths::programRelative(folder));
     }
+    m_recorder->SetMaxRecordTime(
+        AppGlobals::setting("preferences", "MaxRecordTime", "300000").toLongLong());
     const int tab = AppGlobals::setting("preferences", "SelectedTool", "0").toInt();
     setCurrentIndex(tab >= 0 && tab < count() ? tab : 0);
 }
@@ -105,6 +110,8 @@ void ToolTabs::TranslateControl() {
         m_browsers[i]->setCaption(caption);
         m_browsers[i]->TranslateControl();
     }
+    setTabText(indexOf(m_recorder), AppGlobals::text("STR_AUDIO_REC_TITLE", "Recorder"));
+    m_recorder->TranslateControl();
     setTabText(indexOf(m_textPanel), AppGlobals::text("STR_TEXT_TITLE", "Text"));
     m_pictureBrowser->setText(AppGlobals::text("STR_PB_OPEN", "&Photos..."));
     m_pictureBrowser->setToolTip(

@@ -5,10 +5,11 @@
 
 class QPushButton;
 class clsPropertiesXML;
+class ctlAudioRecorder;
 class ctlBrowser;
 
 // The tool tabs beside the slide: the four media browsers (backgrounds,
-// pictures, animations, sounds) and the text properties. Each browser is set
+// pictures, animations, sounds), the recorder and the text properties. Each browser is set
 // up with its kind, caption, patterns and folder from the settings; the tab
 // shown and each browser's folder are kept for the next start.
 class ToolTabs : public QTabWidget {
@@ -23,6 +24,7 @@ public:
     void TranslateControl();
     // The browser of a kind (ctlBrowser::ThumbType).
     ctlBrowser* browser(int thumbType) const;
+    ctlAudioRecorder* recorder() const { return m_recorder; }
 
 signals:
     // A file the user chose in a browser (Add or Browse) for the current slide.
@@ -37,5 +39,6 @@ private:
 
     std::array<ctlBrowser*, 4> m_browsers{};
     QPushButton* m_pictureBrowser;
+    ctlAudioRecorder* m_recorder;
     QWidget* m_textPanel;
 };

@@ -17,6 +17,7 @@
 #include "clsMessage.h"
 #include "clsPropertiesXML.h"
 #include "clsXMLocalizer.h"
+#include "ctlAudioRecorder.h"
 #include "ctlBrowser.h"
 #include "ctlMainMenu.h"
 #include "ctlPictureEditor.h"
@@ -175,6 +176,8 @@ void frmMain::connectEditor() {
             &ctlPictureEditor::ApplyText);
     connect(m_tools, &ToolTabs::fileChosen, this, &frmMain::putOnSlide);
     connect(m_tools, &ToolTabs::pictureBrowserRequested, this, &frmMain::showPictureBrowser);
+    connect(m_tools->recorder(), &ctlAudioRecorder::recordingFinished, this,
+            [this](const QString& folder, const QString& file) { m_sounds->attach(folder, file); });
 }
 
 // A file chosen in a browser goes on the current slide as that browser's kind.
@@ -294,6 +297,8 @@ void frmMain::onCurrentSlideChanged(int slide) {
 void frmMain::showSlide(int slide) {
     m_shownSlide = slide;
     m_soundPlayer->stop();
+    // Recordings are kept with the open message, in a folder of its own.
+    m_tools->recorder()->setSaveFolder(m_manager.GetWorkFolderPath() + QStringLiteral("Sounds/"));
     m_thumbs->SelectSlide(slide);
     m_panel->showSlide(m_document->message(), slide);
     m_editor->LoadDrawObjects();

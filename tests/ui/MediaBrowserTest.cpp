@@ -13,6 +13,7 @@
 #include "ToolTabs.h"
 #include "clsMessage.h"
 #include "clsPropertiesXML.h"
+#include "ctlAudioRecorder.h"
 #include "ctlBrowser.h"
 #include "ctlDirTree.h"
 #include "ctlPictureEditor.h"
@@ -22,6 +23,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QDropEvent>
+#include <QLineEdit>
 #include <QListView>
 #include <QListWidget>
 #include <QMimeData>
@@ -278,6 +280,27 @@ TEST_F(MediaBrowserTest, TheSlidesSoundPlaysFromBesideItsNameAnAmrThroughAWavCop
     ASSERT_EQ(DialogService::answeredBoxes().size(), 1);
     EXPECT_EQ(DialogService::answeredBoxes()[0].text, "The file cannot be found.");
     EXPECT_EQ(play->text(), "Play");
+    m_window.reset();
+    Mci::install(nullptr);
+}
+
+TEST_F(MediaBrowserTest, ARecordingGoesOnTheSlideWithOk) {
+    ScriptedAudioBackend card;
+    Mci mci(card);
+    Mci::install(&mci);
+    AppGlobals::settings()->SetProp("preferences", "ConvertWavToAmr", "0");
+    card.setMicrophone(QByteArray(8000 * 2 * 2, '\x10'));
+    ctlAudioRecorder* recorder = window().toolTabs()->recorder();
+    window().toolTabs()->setCurrentWidget(recorder);
+    QTest::mouseClick(recorder->findChild<QPushButton*>("cmdRecord"), Qt::LeftButton);
+    card.advance(1500);
+    QTest::mouseClick(recorder->findChild<QPushButton*>("cmdStop"), Qt::LeftButton);
+    QTRY_VERIFY(recorder->findChild<QPushButton*>("cmdOK")->isEnabled());
+    recorder->findChild<QLineEdit*>("txtName")->setText("hello there");
+    QTest::mouseClick(recorder->findChild<QPushButton*>("cmdOK"), Qt::LeftButton);
+    const QString info = saveAndDescribe();
+    EXPECT_TRUE(info.contains(QRegularExpression("sound: A\\w+\\.wav \"hello_there\" 1500 ms")))
+        << info.toStdString();
     m_window.reset();
     Mci::install(nullptr);
 }
