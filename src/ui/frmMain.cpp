@@ -97,8 +97,9 @@ void frmMain::buildWindow() {
     m_thumbs->setMinimumWidth(150);
     QDockWidget* tools = dock("dockTools", m_tools, Qt::RightDockWidgetArea);
     m_tools->setMinimumWidth(300);
-    // The slide keeps the middle; the browsers get room for three thumbnails a row.
-    resizeDocks({strip, tools}, {170, 400}, Qt::Horizontal);
+    // The slide keeps the middle; the browsers get room for three thumbnails a row and six tab
+    // titles.
+    resizeDocks({strip, tools}, {160, 470}, Qt::Horizontal);
     setCentralWidget(m_panel);
     m_progress->setMaximumWidth(200);
     m_progress->hide();
