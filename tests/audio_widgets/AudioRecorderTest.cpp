@@ -150,3 +150,18 @@ TEST_F(AudioRecorderTest, TheAmrEntryRecordsForPhonesAndOkHandsTheFileOn) {
     ASSERT_TRUE(probe.waitForFinished(30000));
     EXPECT_EQ(QString::fromUtf8(probe.readAllStandardOutput()).trimmed(), "amr_nb,8000");
 }
+
+TEST_F(AudioRecorderTest, SetupRunsTheMixerOfTheSettingsAndSaysWhenItIsMissing) {
+    AppGlobals::settings()->SetProp("recording", "MixerCommand", "no-such-mixer-program -t 4");
+    DialogService::queueAnswer(QMessageBox::Ok);
+    QTest::mouseClick(button("cmdSetup"), Qt::LeftButton);
+    ASSERT_EQ(DialogService::answeredBoxes().size(), 1);
+    EXPECT_EQ(DialogService::answeredBoxes()[0].text,
+              "The mixer no-such-mixer-program could not be started. Is it installed?");
+
+    const QString marker = m_root.path() + "/mixer-ran";
+    AppGlobals::settings()->SetProp("recording", "MixerCommand", "touch \"" + marker + "\"");
+    QTest::mouseClick(button("cmdSetup"), Qt::LeftButton);
+    QTRY_VERIFY(QFileInfo::exists(marker));
+    EXPECT_EQ(DialogService::answeredBoxes().size(), 1) << "a mixer that starts says nothing";
+}

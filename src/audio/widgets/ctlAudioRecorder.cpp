@@ -51,7 +51,7 @@ ctlAudioRecorder::ctlAudioRecorder(QWidget* parent)
     : QWidget(parent), cboQuality(new QComboBox), txtName(new QLineEdit), lblName(new QLabel),
       lblElapsed(new QLabel), prgTime(new QProgressBar), cmdRecord(named("cmdRecord")),
       cmdStop(named("cmdStop")), cmdPlay(named("cmdPlay")), cmdEdit(named("cmdEdit")),
-      cmdSave(named("cmdSave")), cmdOK(named("cmdOK")) {
+      cmdSetup(named("cmdSetup")), cmdSave(named("cmdSave")), cmdOK(named("cmdOK")) {
     setObjectName(QStringLiteral("ctlAudioRecorder"));
     cboQuality->setObjectName(QStringLiteral("cboQuality"));
     txtName->setObjectName(QStringLiteral("txtName"));
@@ -66,6 +66,7 @@ ctlAudioRecorder::ctlAudioRecorder(QWidget* parent)
     connect(cmdStop, &QPushButton::clicked, this, &ctlAudioRecorder::stop);
     connect(cmdPlay, &QPushButton::clicked, this, &ctlAudioRecorder::play);
     connect(cmdEdit, &QPushButton::clicked, this, &ctlAudioRecorder::editRange);
+    connect(cmdSetup, &QPushButton::clicked, this, &ctlAudioRecorder::setup);
     connect(cmdSave, &QPushButton::clicked, this, [this] { save(); });
     connect(cmdOK, &QPushButton::clicked, this, &ctlAudioRecorder::ok);
     connect(cboQuality, &QComboBox::currentIndexChanged, this, [this] {
@@ -79,6 +80,8 @@ ctlAudioRecorder::ctlAudioRecorder(QWidget* parent)
 ctlAudioRecorder::~ctlAudioRecorder() {
     mRecordTimer.stop();
     CloseSound();
+    // The mixer is the user's to close.
+    m_mixer.terminated();
 }
 
 void ctlAudioRecorder::buildLayout() {
@@ -87,6 +90,7 @@ void ctlAudioRecorder::buildLayout() {
         buttons->addWidget(button);
     buttons->addStretch();
     auto* keep = new QHBoxLayout;
+    keep->addWidget(cmdSetup);
     keep->addStretch();
     keep->addWidget(cmdSave);
     keep->addWidget(cmdOK);
@@ -109,6 +113,8 @@ void ctlAudioRecorder::TranslateControl() {
     cmdEdit->setText(text("BTN_EDIT", "Edit"));
     cmdSave->setText(text("STR_SAVE_RECORDING", "&Save"));
     cmdOK->setText(text("BTN_OK", "OK"));
+    cmdSetup->setText(text("STR_REC_SETUP", "Se&tup..."));
+    cmdSetup->setToolTip(text("STR_REC_SETUP_TIP", "Choose and level the sound input"));
     FieldLabel::setCaption(lblName, text("STR_NAME", "Name"));
     cboQuality->setAccessibleName(text("STR_QUALITY", "Quality"));
     prgTime->setAccessibleName(text("STR_REC_TIME", "Recording time"));
@@ -353,6 +359,17 @@ void ctlAudioRecorder::editRange() {
         return inform(text("ERR_NO_SOUND_LOADED", "No sound is loaded."));
     editor.SetStartEndTime(m_startMs, m_endMs);
     editor.exec();
+}
+
+void ctlAudioRecorder::setup() {
+    const QString command =
+        AppGlobals::setting("recording", "MixerCommand", QStringLiteral("pavucontrol -t 4"));
+    if (m_mixer.running() && m_mixer.isActive())
+        return;
+    if (!m_mixer.run(QString(), command, 1))
+        inform(AppGlobals::text("STR_MIXER_MISSING",
+                                "The mixer %0 could not be started. Is it installed?",
+                                {command.section(u' ', 0, 0)}));
 }
 
 bool ctlAudioRecorder::failed(int error) {

@@ -3,6 +3,7 @@
 #include "PrivateTempDir.h"
 #include "QualityPreset.h"
 #include "RecorderSession.h"
+#include "clsRunPgm.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -42,6 +43,8 @@ public:
     bool save();
     void ok();
     void editRange();
+    // Opens the sound server's mixer to choose and level the input.
+    void setup();
     bool hasUnsavedRecording() const { return m_unsaved; }
     QString savedFile() const { return m_savedFile; }
     int selectedEntry() const;
@@ -76,9 +79,11 @@ private:
     QPushButton* cmdStop;
     QPushButton* cmdPlay;
     QPushButton* cmdEdit;
+    QPushButton* cmdSetup;
     QPushButton* cmdSave;
     QPushButton* cmdOK;
     QTimer mRecordTimer;
+    clsRunPgm m_mixer;
     PrivateTempDir m_scratch;
     QString m_folder;
     QString m_savedFile;
