@@ -165,3 +165,20 @@ TEST_F(AudioRecorderTest, SetupRunsTheMixerOfTheSettingsAndSaysWhenItIsMissing) 
     QTRY_VERIFY(QFileInfo::exists(marker));
     EXPECT_EQ(DialogService::answeredBoxes().size(), 1) << "a mixer that starts says nothing";
 }
+
+TEST_F(AudioRecorderTest, TheHighQualityIsAnMp3OfTheEncodersBitRate) {
+    chooseQuality(5);
+    recordFor(1000);
+    EXPECT_TRUE(m_sent.contains("set mysound time format ms alignment 4 channels 2 bitspersample "
+                                "16 samplespersec 44100 bytespersec 176400"))
+        << m_sent.join('|').toStdString();
+    name()->setText("song");
+    ASSERT_TRUE(m_recorder->save());
+    EXPECT_EQ(m_recorder->savedFile(), saveFolder() + "song.mp3");
+    QProcess probe;
+    probe.start("ffprobe",
+                {"-v", "error", "-show_entries", "stream=codec_name,sample_rate,channels", "-of",
+                 "csv=p=0", saveFolder() + "song.mp3"});
+    ASSERT_TRUE(probe.waitForFinished(30000));
+    EXPECT_EQ(QString::fromUtf8(probe.readAllStandardOutput()).trimmed(), "mp3,44100,2");
+}

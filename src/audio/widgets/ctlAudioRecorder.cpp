@@ -124,6 +124,8 @@ void ctlAudioRecorder::TranslateControl() {
 // preset the encoder cannot meet is shown but cannot be chosen.
 void ctlAudioRecorder::fillQualities() {
     clsPropertiesXML* settings = AppGlobals::settings();
+    if (settings)
+        QualitySettings(*settings).InitQualitySetting();
     const int selected =
         settings ? settings->GetProp("recording", "Selected", "1").toInt() : selectedEntry();
     const QSignalBlocker quiet(cboQuality);
