@@ -6,6 +6,7 @@
 // the thumbnails in sight come first. Against ImageMagick
 // making the same 500 thumbnails (mogrify, with its JPEG size hint).
 #include "AppGlobals.h"
+#include "GuiBenchMain.h"
 #include "MediaFolderModel.h"
 #include "SettingsBootstrap.h"
 #include "ThumbnailCache.h"
@@ -124,9 +125,5 @@ BENCHMARK(BM_ImageMagickMakesTheSameThumbnails)->Unit(benchmark::kMillisecond)->
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName("Vellumo");
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runGuiBenchmarks(argc, argv);
 }

@@ -2,6 +2,7 @@
 // from one mouse move to the repainted surface, against ImageMagick composing
 // the same slide (background, two pictures, a text) into a bitmap once.
 #include "AppGlobals.h"
+#include "GuiBenchMain.h"
 #include "MessageDocument.h"
 #include "SettingsBootstrap.h"
 #include "clsMMSManager.h"
@@ -112,10 +113,5 @@ BENCHMARK(BM_ImageMagickComposesTheSameSlide)->Unit(benchmark::kMillisecond)->It
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName("Vellumo");
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    fixture().editor.reset();
-    return 0;
+    return runGuiBenchmarks(argc, argv, [] { fixture().editor.reset(); });
 }

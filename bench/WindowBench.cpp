@@ -3,6 +3,7 @@
 // command on it.
 #include "AppGlobals.h"
 #include "FileCommands.h"
+#include "GuiBenchMain.h"
 #include "MessageDocument.h"
 #include "SettingsBootstrap.h"
 #include "clsPropertiesXML.h"
@@ -119,10 +120,5 @@ BENCHMARK(BM_TypeIntoSlideText)->Unit(benchmark::kMillisecond)->Iterations(10);
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName("Vellumo");
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    fixture().window.reset();
-    return 0;
+    return runGuiBenchmarks(argc, argv, [] { fixture().window.reset(); });
 }

@@ -1,5 +1,6 @@
 #include "AppGlobals.h"
 
+#include "AppPaths.h"
 #include "clsPropertiesXML.h"
 #include "clsXMLocalizer.h"
 
@@ -25,6 +26,10 @@ clsPropertiesXML* AppGlobals::settings() {
 void AppGlobals::installSettings(std::unique_ptr<clsPropertiesXML> settings) {
     state().localizer.reset();
     state().settings = std::move(settings);
+}
+
+QString AppGlobals::programArchive() {
+    return AppPaths::programArchive(setting("paths", "archive", QStringLiteral("\\archive\\")));
 }
 
 QString AppGlobals::setting(const QString& section, const QString& key,

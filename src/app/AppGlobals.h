@@ -19,6 +19,8 @@ public:
 
     // A setting from the installed store, or the default when none is installed.
     static QString setting(const QString& section, const QString& key, const QString& defaultValue);
+    // The media archive the program comes with, from the settings' "paths".
+    static QString programArchive();
 
     static clsXMLocalizer* localizer();
     static void installLocalizer(std::unique_ptr<clsXMLocalizer> localizer);

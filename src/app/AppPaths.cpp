@@ -80,3 +80,10 @@ bool AppPaths::createPath(const QString& folder) {
     QDir().mkpath(path);
     return QFileInfo(path).isDir();
 }
+
+QString AppPaths::programArchive(const QString& storedPath) {
+    QString relative = toDisk(storedPath);
+    while (relative.startsWith(QLatin1Char('/')))
+        relative.remove(0, 1);
+    return withSlash(programFolder() + relative);
+}

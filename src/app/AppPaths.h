@@ -26,6 +26,9 @@ public:
     static QString programRelative(const QString& storedPath);
     // The path with a trailing "/" added when missing.
     static QString withSlash(const QString& folder);
+    // The program's own media archive from its stored path ("\\archive\\"),
+    // always under the program folder, with a trailing "/".
+    static QString programArchive(const QString& storedPath);
     // The text from the last "." on, dot included, as it stands (".JPG");
     // "" when there is no ".".
     static QString extensionOf(const QString& fileName);

@@ -116,11 +116,7 @@ void SettingsBootstrap::setUpUserArchive(clsPropertiesXML& settings) {
                                                 settings.GetProp("paths", "userArchive", ""));
     if (!QFileInfo(archive).isDir()) {
         AppPaths::createPath(archive);
-        // The program's archive is always under the program folder.
-        QString source = AppPaths::toDisk(settings.GetProp("paths", "archive", ""));
-        while (source.startsWith(QLatin1Char('/')))
-            source.remove(0, 1);
-        copyTree(AppPaths::programFolder() + source, archive);
+        copyTree(AppPaths::programArchive(settings.GetProp("paths", "archive", "")), archive);
     }
     settings.SetProp("browserPaths", "Backgrounds", archive + "Backgrounds");
     settings.SetProp("preferences", "SavedPictureBrowserPath", archive + "Backgrounds");

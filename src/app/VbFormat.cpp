@@ -46,6 +46,10 @@ QString VbFormat::format(double value, const QString& pattern) {
     return format(value, pattern, storedSeparator());
 }
 
+QString VbFormat::seconds(std::int64_t milliseconds, const QString& pattern) {
+    return format(double(milliseconds) / 1000.0, pattern) + u's';
+}
+
 QString VbFormat::format(double value, const QString& pattern, const QString& decimalSeparator) {
     const Pattern p = parse(pattern);
     // Shown numbers round half away from zero.

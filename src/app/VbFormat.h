@@ -12,6 +12,10 @@ public:
     // Uses the decimal separator stored at start-up.
     static QString format(double value, const QString& pattern);
     static QString format(double value, const QString& pattern, const QString& decimalSeparator);
+    // A length in milliseconds as the program shows lengths: seconds in the
+    // pattern, then "s" ("2.5s").
+    static QString seconds(std::int64_t milliseconds,
+                           const QString& pattern = QStringLiteral("#0.0"));
 
     // Text to a whole number the way integer conversion of text works: the
     // value is rounded half to even ("2.5" is 2, "3.5" is 4). False in *ok for

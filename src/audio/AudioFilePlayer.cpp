@@ -53,3 +53,8 @@ int AudioFilePlayer::Poll(QString& mode, std::int64_t& positionMs) {
     positionMs = error == 0 ? reply.toLongLong() : -1;
     return error;
 }
+
+QString AudioFilePlayer::Status(const QString& item) const {
+    QString reply;
+    return send("status " + kAlias + u' ' + item, &reply) == 0 ? reply.trimmed() : QString();
+}

@@ -15,6 +15,8 @@ public:
     void Close();
     // "playing" or "stopped", and the position in milliseconds.
     int Poll(QString& mode, std::int64_t& positionMs);
+    // A "status" item of the loaded sound ("samplespersec", ...); "" when it cannot be read.
+    QString Status(const QString& item) const;
 
     // The length read when the file was opened, -1 before.
     std::int64_t lengthMs() const { return m_lengthMs; }

@@ -4,8 +4,8 @@
 #include "AppGlobals.h"
 #include "FfmpegDecoder.h"
 #include "GifAnimation.h"
+#include "MediaFrame.h"
 #include "MidiFile.h"
-#include "PictureFile.h"
 #include "ThumbnailCache.h"
 #include "VbFormat.h"
 #include "modPlaySound.h"
@@ -21,54 +21,25 @@ QString undecodable(const QString& path) {
                             {QFileInfo(path).fileName()});
 }
 
-// The size a picture of size source has when fitted into edge x edge; the
-// picture's own size when it is smaller.
-QSize fitted(QSize source, int edge) {
-    if (!source.isValid())
-        return QSize(edge, edge);
-    if (source.width() <= edge && source.height() <= edge)
-        return source;
-    return source.scaled(edge, edge, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+QImage shrunkTo(const QImage& picture, int edge) {
+    if (picture.width() <= edge && picture.height() <= edge)
+        return picture;
+    return picture.scaled(edge, edge, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
-// The picture decoded straight at the size it is shown: a phone photo costs
-// a thumbnail's memory.
+// The picture decoded straight at the size it is shown, when its header
+// tells its size: a phone photo costs a thumbnail's memory.
 QImage decodeFitted(const QString& path, int edge) {
     const QSize source = QImageReader(path).size();
-    QImage picture = PictureFile::load(path, fitted(source, edge));
-    if (picture.width() > edge || picture.height() > edge)
-        picture = picture.scaled(edge, edge, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    return picture;
-}
-
-bool isGif(const QString& path) {
-    return path.endsWith(QLatin1String(".gif"), Qt::CaseInsensitive);
-}
-
-// An animation's first picture, from the cache when it is there.
-QImage firstFrame(const QString& path, const ThumbnailCache& cache, int edge, QString& error,
-                  bool& fromCache) {
-    QImage frame = cache.lookup(path);
-    fromCache = !frame.isNull();
-    if (fromCache)
-        return frame;
-    if (isGif(path)) {
-        try {
-            frame = decodeFitted(path, edge);
-        } catch (const AppError& failure) {
-            error = failure.description();
-        }
-    } else if (FfmpegDecoder::firstVideoFrame(path, frame, error)) {
-        frame = frame.scaled(fitted(frame.size(), edge), Qt::IgnoreAspectRatio,
-                             Qt::SmoothTransformation);
-    }
-    if (!frame.isNull())
-        cache.store(path, frame);
-    return frame;
+    const QSize fitted = !source.isValid() ? QSize(edge, edge)
+                         : source.width() <= edge && source.height() <= edge
+                             ? source
+                             : source.scaled(edge, edge, Qt::KeepAspectRatio).expandedTo({1, 1});
+    return shrunkTo(MediaFrame::load(path, fitted), edge);
 }
 
 qint64 animationLength(const QString& path) {
-    if (isGif(path)) {
+    if (!MediaFrame::isVideo(path)) {
         GifAnimation::Info info;
         return GifAnimation::read(path, info) ? info.lengthMs : -1;
     }
@@ -93,10 +64,6 @@ qint64 soundLength(const QString& path, const QString& kind) {
 }
 } // namespace
 
-QString MediaThumbnail::seconds(qint64 milliseconds) {
-    return VbFormat::format(double(milliseconds) / 1000.0, QStringLiteral("#0.0")) + u's';
-}
-
 MediaThumbnail MediaThumbnail::make(const QString& path, int thumbType, const ThumbnailCache& cache,
                                     int edge) {
     if (!QFileInfo(path).isFile()) {
@@ -104,36 +71,31 @@ MediaThumbnail MediaThumbnail::make(const QString& path, int thumbType, const Th
         gone.error = AppGlobals::text("STR_NO_FILE_FOUND", "File not found!");
         return gone;
     }
-    switch (thumbType) {
-    case Sound:
+    if (thumbType == Sound)
         return sound(path);
-    case Animation:
-        return animation(path, cache, edge);
-    default:
-        return still(path, cache, edge);
+    MediaThumbnail result = still(path, cache, edge);
+    if (thumbType == Animation && result.error.isEmpty()) {
+        const qint64 length = animationLength(path);
+        result.detail = length >= 0 ? VbFormat::seconds(length) : QString();
     }
+    return result;
 }
 
+// From the cache when it holds the file as it is now; otherwise decoded and
+// kept there, or remembered as a failure.
 MediaThumbnail MediaThumbnail::still(const QString& path, const ThumbnailCache& cache, int edge) {
     MediaThumbnail result;
-    result.picture = cache.lookup(path);
-    result.fromCache = !result.picture.isNull();
-    if (result.fromCache) {
-        if (result.picture.width() > edge || result.picture.height() > edge)
-            result.picture =
-                result.picture.scaled(edge, edge, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    result.picture = shrunkTo(cache.lookup(path), edge);
+    if (!result.picture.isNull())
         return result;
-    }
     if (cache.hasFailed(path)) {
         result.error = undecodable(path);
         return result;
     }
     try {
-        result.picture = decodeFitted(path, std::max<int>(edge, ThumbnailCache::Normal));
-        cache.store(path, result.picture);
-        if (result.picture.width() > edge || result.picture.height() > edge)
-            result.picture =
-                result.picture.scaled(edge, edge, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+        const QImage kept = decodeFitted(path, std::max<int>(edge, ThumbnailCache::Normal));
+        cache.store(path, kept);
+        result.picture = shrunkTo(kept, edge);
     } catch (const AppError& failure) {
         result.error = failure.description();
         cache.storeFailure(path);
@@ -141,24 +103,10 @@ MediaThumbnail MediaThumbnail::still(const QString& path, const ThumbnailCache& 
     return result;
 }
 
-MediaThumbnail MediaThumbnail::animation(const QString& path, const ThumbnailCache& cache,
-                                         int edge) {
-    MediaThumbnail result;
-    result.picture = firstFrame(path, cache, edge, result.error, result.fromCache);
-    if (result.picture.isNull()) {
-        if (result.error.isEmpty() || !isGif(path))
-            result.error = undecodable(path);
-        return result;
-    }
-    const qint64 length = animationLength(path);
-    result.detail = length >= 0 ? seconds(length) : QString();
-    return result;
-}
-
 MediaThumbnail MediaThumbnail::sound(const QString& path) {
     MediaThumbnail result;
     const QString kind = modPlaySound::SoundExtension(path);
     const qint64 length = soundLength(path, kind);
-    result.detail = length >= 0 ? kind + u' ' + seconds(length) : kind;
+    result.detail = length >= 0 ? kind + u' ' + VbFormat::seconds(length) : kind;
     return result;
 }

@@ -18,16 +18,12 @@ public:
     QImage picture;
     QString detail;
     QString error;
-    bool fromCache = false;
 
     // edge: the largest width and height the picture is drawn at.
     static MediaThumbnail make(const QString& path, int thumbType, const ThumbnailCache& cache,
                                int edge);
-    // "#0.0s", as lengths are shown everywhere in the program.
-    static QString seconds(qint64 milliseconds);
 
 private:
     static MediaThumbnail still(const QString& path, const ThumbnailCache& cache, int edge);
-    static MediaThumbnail animation(const QString& path, const ThumbnailCache& cache, int edge);
     static MediaThumbnail sound(const QString& path);
 };

@@ -3,9 +3,8 @@
 #include "AppError.h"
 #include "AppGlobals.h"
 #include "AtomicFile.h"
-#include "FfmpegDecoder.h"
+#include "MediaFrame.h"
 #include "PictureCache.h"
-#include "PictureFile.h"
 #include "PlainFileName.h"
 #include "StoredColor.h"
 #include "clsDrawObjects.h"
@@ -161,24 +160,12 @@ QImage SlideRenderer::load(const QString& fileName, QSize drawnSize) const {
     return QImage();
 }
 
-// A video background is drawn as its first picture.
-QImage SlideRenderer::decode(const QString& path, QSize drawnSize) {
-    if (!path.endsWith(QLatin1String(".avi"), Qt::CaseInsensitive) &&
-        !path.endsWith(QLatin1String(".mp4"), Qt::CaseInsensitive))
-        return PictureFile::load(path, drawnSize);
-    QImage frame;
-    QString error;
-    if (!FfmpegDecoder::firstVideoFrame(path, frame, error))
-        throw AppError(PictureFile::ErrorSource, error);
-    return frame;
-}
-
 QImage SlideRenderer::cachedLoad(const QString& path, QSize drawnSize) const {
     if (!m_cache)
-        return decode(path, drawnSize);
+        return MediaFrame::load(path, drawnSize);
     if (const QImage* cached = m_cache->find(path, drawnSize))
         return *cached;
-    const QImage picture = decode(path, drawnSize);
+    const QImage picture = MediaFrame::load(path, drawnSize);
     m_cache->insert(path, drawnSize, picture);
     return picture;
 }

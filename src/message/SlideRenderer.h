@@ -57,7 +57,6 @@ private:
     // The work-folder picture decoded for drawing into drawnSize device pixels.
     QImage load(const QString& fileName, QSize drawnSize) const;
     QImage cachedLoad(const QString& path, QSize drawnSize) const;
-    static QImage decode(const QString& path, QSize drawnSize);
 
     QString m_workFolder;
     QSize m_surface;

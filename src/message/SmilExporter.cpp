@@ -16,11 +16,6 @@
 #include "modPlaySound.h"
 
 namespace {
-ImageWriter::Settings encoderSettings() {
-    clsPropertiesXML* settings = AppGlobals::settings();
-    return settings ? ImageWriter::readSettings(*settings) : ImageWriter::Settings{};
-}
-
 // The program's own recordings are 8000 Hz 16-bit WAV; those are what AMR holds.
 bool convertsToAmr(const QString& path) {
     if (AppGlobals::setting("preferences", "ConvertWavToAmr", "1") != QLatin1String("1"))
@@ -97,7 +92,8 @@ bool SmilExporter::exportPicture(const clsSlide& slide, const QString& workFolde
             SlideRenderer(workFolder, SlideRenderer::surfaceFromSettings()).picture(slide);
         name = fileName(slide.index(), ImageWriter::extension(m_imageFormat));
         try {
-            ImageWriter::write(picture, m_imageFormat, m_folder + name, encoderSettings());
+            ImageWriter::write(picture, m_imageFormat, m_folder + name,
+                               ImageWriter::currentSettings());
         } catch (const AppError& error) {
             return fail("STR_ERROR_PICT_CONV", "The picture cannot be converted.",
                         error.description());

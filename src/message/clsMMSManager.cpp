@@ -157,9 +157,7 @@ void clsMMSManager::DeleteWorkFolderFile(const QString& fileName) {
 }
 
 void clsMMSManager::SavePictureBoxImage(const QImage& picture, int format, const QString& path) {
-    clsPropertiesXML* settings = AppGlobals::settings();
-    ImageWriter::write(picture, format, AppPaths::toDisk(path),
-                       settings ? ImageWriter::readSettings(*settings) : ImageWriter::Settings{});
+    ImageWriter::write(picture, format, AppPaths::toDisk(path), ImageWriter::currentSettings());
 }
 
 clsMessage* clsMMSManager::CreateMsg() {

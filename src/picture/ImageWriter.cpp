@@ -46,6 +46,11 @@ int settingInRange(clsPropertiesXML& settings, const char* key, const char* fall
 }
 } // namespace
 
+ImageWriter::Settings ImageWriter::currentSettings() {
+    clsPropertiesXML* settings = AppGlobals::settings();
+    return settings ? readSettings(*settings) : Settings{};
+}
+
 ImageWriter::Settings ImageWriter::readSettings(clsPropertiesXML& settings) {
     Settings result;
     result.jpgQuality = settingInRange(settings, "JpgQuality", "90", 0, 100);

@@ -24,6 +24,8 @@ public:
     // "JpgQuality", "GifOptimizedPalette", "GifErrorDiffusion" and "WbmpRaster"
     // of section "preferences"; values out of range give the defaults.
     static Settings readSettings(clsPropertiesXML& settings);
+    // Those of the program's settings; the defaults when none are open.
+    static Settings currentSettings();
     // The index of a format named by its file extension ("bmp", "jpg", "gif",
     // "png", "wbmp"; "jpeg" too, any case, with or without the dot); -1 for
     // anything else.

@@ -1,12 +1,12 @@
 #include "ThumbnailCache.h"
 
 #include "AppPaths.h"
+#include "AtomicFile.h"
 
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -118,7 +118,7 @@ bool ThumbnailCache::write(const QString& target, QImage thumbnail, const QStrin
     thumbnail.setText("Software", QStringLiteral("Vellumo"));
     // Written whole beside the target and renamed, so a reader in another
     // program never sees half a thumbnail.
-    QSaveFile out(target);
+    AtomicFile out(target);
     if (!out.open(QIODevice::WriteOnly))
         return false;
     out.setPermissions(QFile::ReadOwner | QFile::WriteOwner);

@@ -1,5 +1,7 @@
 #include "DroppedMedia.h"
 
+#include "AppPaths.h"
+
 #include <QFileInfo>
 #include <QMimeData>
 #include <QUrl>
@@ -10,9 +12,7 @@ const QString kSounds = QStringLiteral(".mid.midi.mi.mp3.amr");
 } // namespace
 
 QString DroppedMedia::extensionOf(const QString& path) {
-    const QString name = QFileInfo(path).fileName();
-    const qsizetype dot = name.lastIndexOf(u'.');
-    return dot < 0 ? QString() : name.mid(dot);
+    return AppPaths::extensionOf(QFileInfo(path).fileName());
 }
 
 DroppedMedia::Kind DroppedMedia::kindOf(const QString& path) {

@@ -19,6 +19,7 @@ void MediaFolderModel::load(const QString& folder) {
     m_folder = folder;
     m_files.LoadFiles(folder, m_patterns);
     m_shown.assign(size_t(m_files.Count()), Shown());
+    assignIcons();
     endResetModel();
     int row = 0;
     for (const clsMedia& file : m_files)
@@ -51,18 +52,26 @@ QString MediaFolderModel::fileNameAt(int row) const {
     return QFileInfo(m_files.begin()[row].filename()).fileName();
 }
 
+void MediaFolderModel::setIcons(const QString& icons) {
+    m_icons = icons.split(u',');
+    assignIcons();
+}
+
 // The first pattern a name matches decides its icon, so "MH_*.mid" listed
 // before "*.mid" gives those files their own.
-int MediaFolderModel::iconNumberOf(const QString& fileName) const {
-    const QStringList wildcards = clsMediaList::wildcards(m_patterns);
-    for (qsizetype i = 0; i < wildcards.size(); ++i) {
-        const QRegularExpression pattern(
-            QRegularExpression::wildcardToRegularExpression(wildcards[i]),
-            QRegularExpression::CaseInsensitiveOption);
-        if (pattern.match(fileName).hasMatch())
-            return m_icons.value(i).trimmed().toInt();
+void MediaFolderModel::assignIcons() {
+    QList<QRegularExpression> patterns;
+    for (const QString& wildcard : clsMediaList::wildcards(m_patterns))
+        patterns << QRegularExpression(QRegularExpression::wildcardToRegularExpression(wildcard),
+                                       QRegularExpression::CaseInsensitiveOption);
+    for (size_t row = 0; row < m_shown.size(); ++row) {
+        const QString name = fileNameAt(int(row));
+        const auto first = std::find_if(patterns.begin(), patterns.end(), [&name](const auto& p) {
+            return p.match(name).hasMatch();
+        });
+        m_shown[row].iconNumber =
+            first == patterns.end() ? 0 : m_icons.value(first - patterns.begin()).trimmed().toInt();
     }
-    return 0;
 }
 
 QVariant MediaFolderModel::data(const QModelIndex& index, int role) const {
@@ -84,7 +93,7 @@ QVariant MediaFolderModel::data(const QModelIndex& index, int role) const {
     case ErrorRole:
         return shown.error;
     case IconNumberRole:
-        return iconNumberOf(fileNameAt(index.row()));
+        return shown.iconNumber;
     case LoadingRole:
         return shown.loading;
     case PathRole:

@@ -34,7 +34,7 @@ public:
     int thumbType() const { return m_thumbType; }
     // ","-separated wildcards, and for sounds one icon number per pattern.
     void setPatterns(const QString& patterns) { m_patterns = patterns; }
-    void setIcons(const QString& icons) { m_icons = icons.split(u','); }
+    void setIcons(const QString& icons);
     QString patterns() const { return m_patterns; }
     void setThumbnailEdge(int edge) { m_edge = edge; }
     // Reads the folder anew and starts making its thumbnails.
@@ -57,9 +57,10 @@ private:
         QString detail;
         QString error;
         bool loading = true;
+        int iconNumber = 0;
     };
     void onReady(int row, const MediaThumbnail& thumbnail);
-    int iconNumberOf(const QString& fileName) const;
+    void assignIcons();
     QString fileNameAt(int row) const;
 
     int m_thumbType = 2;

@@ -13,12 +13,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-namespace {
-QString seconds(qint64 ms) {
-    return VbFormat::format(double(ms) / 1000.0, "#0.0s");
-}
-} // namespace
-
 SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
     : QWidget(parent), m_picture(picture), txtMessage(new QPlainTextEdit(this)),
       m_time(new ctlSlideTime(this)), lblText(FieldLabel::create(txtMessage, this)),
@@ -108,7 +102,7 @@ void SlidePanel::showSlide(const clsMessage* message, int slide) {
     m_time->setDuration(shown.Duration());
     lblSound->setText(shown.Sound().isEmpty()
                           ? QString()
-                          : shown.SoundName() + " - " + seconds(shown.SoundDuration()));
+                          : shown.SoundName() + " - " + VbFormat::seconds(shown.SoundDuration()));
     cmdPlaySound->setEnabled(!shown.Sound().isEmpty());
     m_showing = false;
 }
@@ -122,7 +116,7 @@ void SlidePanel::setSoundPlaying(bool playing) {
 }
 
 void SlidePanel::showTotal(qint64 ms) {
-    lblTime->setText(seconds(ms));
+    lblTime->setText(VbFormat::seconds(ms));
 }
 
 void SlidePanel::setTimeFormat(const QString& format) {

@@ -195,25 +195,25 @@ bool SlidePictureEdits::remove(int index) {
 }
 
 bool SlidePictureEdits::bringToFront(int index) {
-    QList<int> order = stackingOrder();
-    if (!order.removeOne(index))
-        return false;
-    order.append(index);
-    return change("STR_BRING_TO_FRONT", "Bring to front", [&](clsDrawObjects& all) {
-        for (int place = 0; place < order.size(); ++place)
-            all.Item(order[place]).setZorder(place + 1);
-    });
+    return restack(index, true);
 }
 
 bool SlidePictureEdits::sendToBack(int index) {
+    return restack(index, false);
+}
+
+// The object goes to the top or the bottom; the others keep their order.
+bool SlidePictureEdits::restack(int index, bool toFront) {
     QList<int> order = stackingOrder();
     if (!order.removeOne(index))
         return false;
-    order.prepend(index);
-    return change("STR_SEND_TO_BACK", "Send to back", [&](clsDrawObjects& all) {
-        for (int place = 0; place < order.size(); ++place)
-            all.Item(order[place]).setZorder(place + 1);
-    });
+    toFront ? order.append(index) : order.prepend(index);
+    return change(toFront ? "STR_BRING_TO_FRONT" : "STR_SEND_TO_BACK",
+                  toFront ? QStringLiteral("Bring to front") : QStringLiteral("Send to back"),
+                  [&](clsDrawObjects& all) {
+                      for (int place = 0; place < order.size(); ++place)
+                          all.Item(order[place]).setZorder(place + 1);
+                  });
 }
 
 bool SlidePictureEdits::setProperties(int index, const DrawObjectProperties& properties,

@@ -61,6 +61,7 @@ public:
     static bool isAnimated(const QString& path);
 
 private:
+    bool restack(int index, bool toFront);
     bool change(const char* key, const QString& fallback,
                 const std::function<void(clsDrawObjects& objects)>& edit, bool nudge = false);
     int add(const char* key, const QString& fallback, DrawObjectProperties properties);

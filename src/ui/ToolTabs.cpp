@@ -81,7 +81,7 @@ void ToolTabs::addBrowser(const Setup& setup) {
 void ToolTabs::applySettings() {
     const bool extended =
         AppGlobals::setting("preferences", "ExtendedBrowser", "0") == QLatin1String("1");
-    const QString archive = AppPaths::programFolder() + QStringLiteral("archive/");
+    const QString archive = AppGlobals::programArchive();
     for (size_t i = 0; i < m_browsers.size(); ++i) {
         const QString key = QLatin1String(setups()[i].key);
         const QString folder = AppGlobals::setting("browserPaths", key, QString());

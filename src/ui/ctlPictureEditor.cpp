@@ -576,8 +576,7 @@ namespace {
 QString startFolder(const char* browser) {
     const QStringList candidates{AppPaths::programRelative(AppGlobals::setting(
                                      "browserPaths", QLatin1String(browser), QString())),
-                                 AppPaths::withSlash(AppPaths::programFolder()) +
-                                     QStringLiteral("archive/") + QLatin1String(browser)};
+                                 AppGlobals::programArchive() + QLatin1String(browser)};
     for (const QString& folder : candidates)
         if (!folder.isEmpty() && !QDir(folder).isEmpty(QDir::Files))
             return folder;

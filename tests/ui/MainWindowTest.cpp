@@ -1,6 +1,7 @@
 #include "AppGlobals.h"
 #include "DialogService.h"
 #include "FileCommands.h"
+#include "MainWindowFixture.h"
 #include "MessageDocument.h"
 #include "ProgramRun.h"
 #include "SettingsBootstrap.h"
@@ -21,32 +22,8 @@
 
 // The main window driven as a user drives it: keys, clicks and answered boxes,
 // with what it saved read back by the command line tool.
-class MainWindowTest : public TempDataHome {
+class MainWindowTest : public MainWindowFixture {
 protected:
-    void SetUp() override {
-        TempDataHome::SetUp();
-        AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
-        setting("ShowSplash", "0");
-    }
-    void TearDown() override {
-        m_window.reset();
-        DialogService::clear();
-        TempDataHome::TearDown();
-    }
-    static void setting(const char* key, const QString& value) {
-        AppGlobals::settings()->SetProp("preferences", key, value);
-    }
-    frmMain& window() {
-        if (!m_window) {
-            m_window = std::make_unique<frmMain>();
-            m_window->show();
-            EXPECT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
-        }
-        return *m_window;
-    }
-    static QString cliInfo(const QString& file) {
-        return runProgram(cliProgram(), {"info", file}).out;
-    }
     // Opens a menu of the bar by Alt and its letter and chooses with keys.
     void menuKeys(Qt::Key title, const QList<Qt::Key>& keys) {
         QTest::keyClick(&window(), title, Qt::AltModifier);
@@ -57,8 +34,6 @@ protected:
         }
     }
     MessageDocument& document() { return window().document(); }
-
-    std::unique_ptr<frmMain> m_window;
 };
 
 TEST_F(MainWindowTest, ANewUserComposesAMessageWithTheKeyboardAlone) {

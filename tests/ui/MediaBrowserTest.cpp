@@ -1,5 +1,6 @@
 #include "AppGlobals.h"
 #include "DialogService.h"
+#include "MainWindowFixture.h"
 #include "Mci.h"
 #include "MediaFolderModel.h"
 #include "MessageDocument.h"
@@ -61,13 +62,11 @@ void waitForThumbnails(const ctlBrowser& browser) {
 
 // The browsers beside the slide, on folders prepared by the test, driven
 // through the main window as a user drives them.
-class MediaBrowserTest : public TempDataHome {
+class MediaBrowserTest : public MainWindowFixture {
 protected:
     void SetUp() override {
-        TempDataHome::SetUp();
         qputenv("XDG_CACHE_HOME", QFile::encodeName(m_root.path() + "/cache"));
-        AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
-        AppGlobals::settings()->SetProp("preferences", "ShowSplash", "0");
+        MainWindowFixture::SetUp();
         m_media = m_root.path() + "/media";
         for (const char* kind : {"Backgrounds", "Pictures", "Animations", "Sounds"}) {
             ASSERT_TRUE(QDir().mkpath(m_media + u'/' + kind));
@@ -75,29 +74,18 @@ protected:
         }
     }
     void TearDown() override {
-        m_window.reset();
-        DialogService::clear();
+        MainWindowFixture::TearDown();
         qunsetenv("XDG_CACHE_HOME");
-        TempDataHome::TearDown();
-    }
-    frmMain& window() {
-        if (!m_window) {
-            m_window = std::make_unique<frmMain>();
-            m_window->show();
-            EXPECT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
-        }
-        return *m_window;
     }
     ctlBrowser& browser(int kind) { return *window().toolTabs()->browser(kind); }
     QString folder(const char* kind) const { return m_media + u'/' + kind; }
     QString saveAndDescribe() {
         const QString file = dataFile("browsed.mms");
         EXPECT_TRUE(window().document().saveMessage(file));
-        return runProgram(cliProgram(), {"info", file}).out;
+        return cliInfo(file);
     }
 
     QString m_media;
-    std::unique_ptr<frmMain> m_window;
 };
 
 TEST_F(MediaBrowserTest, EachTabListsExactlyWhatItsPatternsMatch) {

@@ -2,11 +2,8 @@
 
 #include "AppGlobals.h"
 #include "FfmpegDecoder.h"
-#include "Mci.h"
 #include "PcmSound.h"
 #include "VbFormat.h"
-#include "WavFile.h"
-#include "modPlaySound.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -19,17 +16,6 @@ QString text(const char* key, const char* fallback) {
     return AppGlobals::text(key, fallback);
 }
 
-// A status value of the player's sound, "" when it cannot be read.
-QString status(const char* what) {
-    QString reply;
-    const int error = mciSendString(QStringLiteral("status csound ") + QLatin1String(what), &reply,
-                                    AudioFilePlayer::kReplySize);
-    return error == 0 ? reply.trimmed() : QString();
-}
-
-QString seconds(qint64 ms) {
-    return VbFormat::format(double(ms) / 1000.0, QStringLiteral("#0.00")) + u's';
-}
 } // namespace
 
 FrmAudioEdit::FrmAudioEdit(QWidget* parent)
@@ -118,8 +104,8 @@ bool FrmAudioEdit::SetAudioSource(const QString& path) {
         return false;
     }
     // Asked in this order, as the device expects them.
-    const QString rate = status("samplespersec");
-    const QString bits = status("bitspersample");
+    const QString rate = m_player.Status(QStringLiteral("samplespersec"));
+    const QString bits = m_player.Status(QStringLiteral("bitspersample"));
     showFacts(m_player.lengthMs(), rate, bits);
     m_slider->SetMinMaxValue(0, m_player.lengthMs());
     SetStartEndTime(-1, -1);
@@ -127,18 +113,12 @@ bool FrmAudioEdit::SetAudioSource(const QString& path) {
     return true;
 }
 
-// The outline comes from the samples themselves; a MIDI file has none to show.
+// The outline comes from the samples themselves; a MIDI file has none to
+// show, and the decoder leaves the sound empty for it.
 void FrmAudioEdit::loadWaveform(const QString& path) {
     PcmSound sound;
     QString error;
-    if (modPlaySound::SoundExtension(path) == QLatin1String("WAV")) {
-        if (WavFile::read(path, sound) != WavFile::Error::None)
-            sound = PcmSound();
-    } else if (modPlaySound::SoundExtension(path) != QLatin1String("MID") &&
-               modPlaySound::SoundExtension(path) != QLatin1String("MIDI")) {
-        if (!FfmpegDecoder::decodeAudio(path, sound, error))
-            sound = PcmSound();
-    }
+    FfmpegDecoder::decodeAudio(path, sound, error);
     m_slider->setWaveform(sound);
 }
 
@@ -149,8 +129,7 @@ void FrmAudioEdit::showFacts(qint64 lengthMs, const QString& rate, const QString
         lblBits->clear();
     } else {
         lblLength->setText(text("STR_AUDIO_LENGTH", "Length: ") +
-                           VbFormat::format(double(lengthMs) / 1000.0, QStringLiteral("##0.00")) +
-                           u's');
+                           VbFormat::seconds(lengthMs, QStringLiteral("##0.00")));
         lblSamples->setText(rate.isEmpty() || rate == QLatin1String("-1")
                                 ? text("STR_SAMPLES_SEC_NA", "Samples per second: unknown")
                                 : text("STR_SAMPLES_SEC", "Samples per second: ") + rate);
@@ -164,18 +143,17 @@ void FrmAudioEdit::showFacts(qint64 lengthMs, const QString& rate, const QString
 }
 
 void FrmAudioEdit::SetStartEndTime(qint64 startMs, qint64 endMs) {
-    const bool whole = startMs < 0 || endMs < 0;
-    // B first when it moves later, so A is never held back by the old B.
-    m_slider->setValueB(whole ? m_slider->maximum() : endMs);
-    m_slider->setValueA(whole ? m_slider->minimum() : startMs);
-    m_slider->setValueB(whole ? m_slider->maximum() : endMs);
+    if (startMs < 0 || endMs < 0)
+        m_slider->setValues(m_slider->minimum(), m_slider->maximum());
+    else
+        m_slider->setValues(startMs, endMs);
     showMarkers();
 }
 
 void FrmAudioEdit::showMarkers() {
-    lblA->setText(QStringLiteral("A: ") +
-                  (m_loaded ? seconds(startMs()) : QStringLiteral("0.00s")));
-    lblB->setText(QStringLiteral("B: ") + (m_loaded ? seconds(endMs()) : QStringLiteral("0.00s")));
+    const QString twoPlaces = QStringLiteral("#0.00");
+    lblA->setText(QStringLiteral("A: ") + VbFormat::seconds(m_loaded ? startMs() : 0, twoPlaces));
+    lblB->setText(QStringLiteral("B: ") + VbFormat::seconds(m_loaded ? endMs() : 0, twoPlaces));
     lblA->setAccessibleName(lblA->text());
     lblB->setAccessibleName(lblB->text());
 }

@@ -170,11 +170,6 @@ void ctlAudioRecorder::CloseSound() {
     RecorderSession::CloseSound();
 }
 
-QString ctlAudioRecorder::ReplaceFilenameExtension(const QString& path, const QString& extension) {
-    const qsizetype dot = path.lastIndexOf(u'.');
-    return dot < 0 ? path + u'.' + extension : path.left(dot + 1) + extension;
-}
-
 void ctlAudioRecorder::record() {
     if (m_unsaved && AppGlobals::setting("preferences", "AskOverWriteRecording", "0") == "1" &&
         DialogService::messageBox(
@@ -239,8 +234,7 @@ void ctlAudioRecorder::showStopped() {
 }
 
 void ctlAudioRecorder::showElapsed() {
-    lblElapsed->setText(VbFormat::format(double(m_elapsed) / 1000.0, QStringLiteral("#0.0")) +
-                        u's');
+    lblElapsed->setText(VbFormat::seconds(m_elapsed));
 }
 
 void ctlAudioRecorder::enableButtons(bool busy) {
@@ -328,7 +322,7 @@ bool ctlAudioRecorder::saveAs(const QString& target) {
 // The AMR is made from a WAV kept in the "amrwav" folder beside the sounds.
 bool ctlAudioRecorder::saveAmr(const QString& wav, const QString& target, QString* why) {
     const QString folder = m_folder + QStringLiteral("amrwav/");
-    const QString source = folder + QFileInfo(ReplaceFilenameExtension(target, "wav")).fileName();
+    const QString source = folder + QFileInfo(target).completeBaseName() + QStringLiteral(".wav");
     QFile::remove(source);
     const int result = AppPaths::createPath(folder) && QFile::copy(wav, source)
                            ? AmrConverter::wav2amr(source, target)

@@ -34,7 +34,6 @@ public:
     // Where recordings are saved (a folder of the work folder).
     void setSaveFolder(const QString& folder);
     static void CloseSound();
-    static QString ReplaceFilenameExtension(const QString& path, const QString& extension);
 
     void record();
     void stop();

@@ -49,14 +49,23 @@ void ctlAudioSlider::setValueB(qint64 value) {
     moveThumb(ThumbB, value);
 }
 
+void ctlAudioSlider::setValues(qint64 a, qint64 b) {
+    const qint64 start = std::clamp(a, m_min, m_max - 1);
+    apply(start, std::clamp(b, start + 1, m_max));
+}
+
 void ctlAudioSlider::moveThumb(Thumb thumb, qint64 value) {
-    const qint64 old = thumb == ThumbA ? m_a : m_b;
     if (thumb == ThumbA)
-        m_a = std::clamp(value, m_min, m_b - 1);
+        apply(std::clamp(value, m_min, m_b - 1), m_b);
     else
-        m_b = std::clamp(value, m_a + 1, m_max);
-    if ((thumb == ThumbA ? m_a : m_b) == old)
+        apply(m_a, std::clamp(value, m_a + 1, m_max));
+}
+
+void ctlAudioSlider::apply(qint64 a, qint64 b) {
+    if (a == m_a && b == m_b)
         return;
+    m_a = a;
+    m_b = b;
     describe();
     update();
     emit valuesChanged(m_a, m_b);

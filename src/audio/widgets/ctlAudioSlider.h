@@ -28,6 +28,8 @@ public:
     // Each keeps the thumb between the bounds and short of the other thumb.
     void setValueA(qint64 value);
     void setValueB(qint64 value);
+    // Both at once, A kept within the bounds first and B after it.
+    void setValues(qint64 a, qint64 b);
     Thumb currentThumb() const { return m_current; }
     void setCurrentThumb(Thumb thumb);
 
@@ -59,6 +61,7 @@ private:
     double toX(qint64 value) const;
     qint64 toValue(double x) const;
     void moveThumb(Thumb thumb, qint64 value);
+    void apply(qint64 a, qint64 b);
     void paintWaveform(QPainter& painter, const QRect& area) const;
     void paintThumb(QPainter& painter, Thumb thumb) const;
     void describe();

@@ -1,10 +1,8 @@
 #include "ctlPicScroll.h"
 
 #include "AppError.h"
-#include "AppGlobals.h"
 #include "ImageWriter.h"
 #include "PictureTransform.h"
-#include "clsPropertiesXML.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -186,9 +184,8 @@ void ctlPicScroll::pictureTransformed() {
 
 void ctlPicScroll::SaveTo(const QString& path) const {
     const bool gif = path.endsWith(QStringLiteral(".gif"), Qt::CaseInsensitive);
-    clsPropertiesXML* settings = AppGlobals::settings();
     ImageWriter::write(m_picture, gif ? ImageWriter::Gif : ImageWriter::Bmp, path,
-                       settings ? ImageWriter::readSettings(*settings) : ImageWriter::Settings());
+                       ImageWriter::currentSettings());
 }
 
 void ctlPicScroll::RGBDiv(qint64 colour, int& red, int& green, int& blue) {

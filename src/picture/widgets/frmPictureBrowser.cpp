@@ -17,7 +17,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -29,21 +28,14 @@ const char* const FilesKey = "PictureBrowserFiles";
 const char* const FolderKey = "SavedPictureBrowserPath";
 const char* const DefaultFiles = "*.bmp;*.gif;*jpg;*.png;*.tif;*.psd;*.tga;*.pcx";
 
-// The setting's ";"-separated patterns, which match names in any case.
-QList<QRegularExpression> filePatterns() {
-    QList<QRegularExpression> patterns;
+// The setting's ";"-separated patterns, as the folder's name filters (which
+// match names in any case).
+QStringList filePatterns() {
+    QStringList patterns;
     const QString setting = AppGlobals::setting("preferences", FilesKey, DefaultFiles);
     for (const QString& pattern : setting.split(u';', Qt::SkipEmptyParts))
-        patterns << QRegularExpression(
-            QRegularExpression::wildcardToRegularExpression(pattern.trimmed()),
-            QRegularExpression::CaseInsensitiveOption);
+        patterns << pattern.trimmed();
     return patterns;
-}
-
-bool matchesAny(const QString& name, const QList<QRegularExpression>& patterns) {
-    return std::any_of(patterns.begin(), patterns.end(), [&](const QRegularExpression& pattern) {
-        return pattern.match(name).hasMatch();
-    });
 }
 } // namespace
 
@@ -206,10 +198,7 @@ void frmPictureBrowser::setFolder(const QString& folder) {
                                      {QDir::toNativeSeparators(m_folder)}));
         return;
     }
-    const QList<QRegularExpression> patterns = filePatterns();
-    for (const QString& name : dir.entryList(QDir::Files, QDir::Name | QDir::IgnoreCase))
-        if (matchesAny(name, patterns))
-            lstFiles->addItem(name);
+    lstFiles->addItems(dir.entryList(filePatterns(), QDir::Files, QDir::Name | QDir::IgnoreCase));
     if (lstFiles->count() == 0)
         showMessage(AppGlobals::text("STR_PB_NO_PICTURES",
                                      "There are no pictures in this folder. Choose another "
