@@ -129,8 +129,16 @@ QString clsMMSManager::ReplaceFilenameExtension(const QString& fileName, const Q
     return dot < 0 ? extension : fileName.left(dot + 1) + extension;
 }
 
+// A file already there may be named by an undo step, by the file being
+// taken in itself, or (after the tick counter started again) by an earlier
+// one, so it is never written over.
 QString clsMMSManager::GetUniqueFileName(const QString& prefix, const QString& fileName) {
-    return m_namer.next(prefix, GetFilenameExtension(fileName).toLower());
+    const QString extension = GetFilenameExtension(fileName).toLower();
+    QString name;
+    do
+        name = m_namer.next(prefix, extension);
+    while (!m_workFolder.isEmpty() && QFileInfo::exists(m_workFolder + name));
+    return name;
 }
 
 QString clsMMSManager::SaveFileToWorkFolder(const QString& prefix, const QString& source,

@@ -123,12 +123,14 @@ QImage decode(FreeImageSource& source, FREE_IMAGE_FORMAT format, const QString& 
 } // namespace
 
 QImage FreeImagePicture::load(const QString& path) {
+    // Reader threads are reused: what the library said of an earlier file
+    // must not be told of this one.
+    t_libraryMessage.clear();
     const QFileInfo info(path);
     // A pipe or a device under a picture's name would hold the reader forever.
     if (info.exists() && !info.isFile())
         undecodable(path);
     useLibrary();
-    t_libraryMessage.clear();
     FreeImageSource source(path);
     if (!source.open())
         refuse(AppGlobals::text("ERR_PICTURE_UNREADABLE", "Cannot read the picture %0: %1",

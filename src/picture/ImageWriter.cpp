@@ -26,18 +26,6 @@ void writeFile(const QString& path, const QByteArray& bytes) {
         cannotWrite(path, file.errorString());
 }
 
-void writeWithQt(const QImage& picture, const QString& path, const char* format, int quality) {
-    AtomicFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        cannotWrite(path, file.errorString());
-    QImageWriter writer(&file, format);
-    writer.setQuality(quality);
-    if (!writer.write(picture))
-        cannotWrite(path, writer.errorString());
-    if (!file.commit())
-        cannotWrite(path, file.errorString());
-}
-
 int settingInRange(clsPropertiesXML& settings, const char* key, const char* fallback, int low,
                    int high) {
     bool ok = false;
@@ -100,12 +88,25 @@ void ImageWriter::write(const QImage& picture, int format, const QString& path,
         cannotWrite(path, "out of memory");
     switch (format) {
     case Bmp:
-        return writeWithQt(dib.image(), path, "bmp", -1);
+        return writeAs(dib.image(), path, "bmp", -1);
     case Jpeg:
-        return writeWithQt(dib.image(), path, "jpeg", settings.jpgQuality);
+        return writeAs(dib.image(), path, "jpeg", settings.jpgQuality);
     case Png:
-        return writeWithQt(dib.image(), path, "png", -1);
+        return writeAs(dib.image(), path, "png", -1);
     default:
         return writeFile(path, WbmpWriter::encode(dib.image(), settings.wbmpRaster));
     }
+}
+
+void ImageWriter::writeAs(const QImage& picture, const QString& path, const char* format,
+                          int quality) {
+    AtomicFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        cannotWrite(path, file.errorString());
+    QImageWriter writer(&file, format);
+    writer.setQuality(quality);
+    if (!writer.write(picture))
+        cannotWrite(path, writer.errorString());
+    if (!file.commit())
+        cannotWrite(path, file.errorString());
 }

@@ -39,6 +39,10 @@ public:
     // Throws AppError for an empty or oversized picture, an unknown format
     // or a file that cannot be written; the target is replaced only once the
     // new file is complete.
+    // The picture as it is, in one of Qt's formats ("bmp", "png", ...); a
+    // failure throws AppError with the reason. Nothing is left half written.
+    static void writeAs(const QImage& picture, const QString& path, const char* format,
+                        int quality = -1);
     static void write(const QImage& picture, int format, const QString& path,
                       const Settings& settings);
 };

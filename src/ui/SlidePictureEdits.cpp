@@ -2,7 +2,7 @@
 
 #include "AppError.h"
 #include "AppGlobals.h"
-#include "AtomicFile.h"
+#include "ImageWriter.h"
 #include "PictureFile.h"
 #include "SlideRenderer.h"
 #include "clsDrawObjects.h"
@@ -169,7 +169,7 @@ int SlidePictureEdits::addText(DrawObjectProperties text, std::optional<QPoint> 
     return add("STR_ADD_TEXT", "Add text", text);
 }
 
-int SlidePictureEdits::duplicate(int index) {
+int SlidePictureEdits::duplicate(int index, QString* why) {
     clsDrawObjects* all = objects();
     if (!all || index < 1 || index > all->Count())
         return 0;
@@ -178,8 +178,7 @@ int SlidePictureEdits::duplicate(int index) {
     copy.x += 8;
     copy.y += 8;
     if (copy.typ == QLatin1String("image")) {
-        QString why;
-        copy.image = bringIn(workFolder() + copy.image, &why);
+        copy.image = bringIn(workFolder() + copy.image, why);
         if (copy.image.isEmpty())
             return 0;
     }
@@ -274,11 +273,13 @@ QString SlidePictureEdits::writeBackgroundBitmap(const QImage& picture, QString*
     const QImage drawn = picture.scaled(m_surface, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
                              .convertToFormat(QImage::Format_RGB888);
     const QString name = m_document.manager().GetUniqueFileName(QStringLiteral("B"), "x.bmp");
-    AtomicFile file(workFolder() + name);
-    if (file.open(QIODevice::WriteOnly) && drawn.save(&file, "BMP") && file.commit())
+    try {
+        ImageWriter::writeAs(drawn, workFolder() + name, "bmp");
         return name;
-    *why = file.errorString();
-    return QString();
+    } catch (const AppError& error) {
+        *why = error.description();
+        return QString();
+    }
 }
 
 // An animation or a video plays on the phone as it is: it is taken in whole,

@@ -41,7 +41,8 @@ public:
     int addImage(const QString& source, std::optional<QPoint> at, QSize size, QString* why);
     // A text object; one without a size gets a box that fits its text.
     int addText(DrawObjectProperties text, std::optional<QPoint> at);
-    int duplicate(int index);
+    // The copy's index; 0, with *why when there is a reason to tell, when none was made.
+    int duplicate(int index, QString* why);
     bool remove(int index);
     bool bringToFront(int index);
     bool sendToBack(int index);

@@ -20,6 +20,10 @@ SlideSoundPlayer::~SlideSoundPlayer() {
 QString SlideSoundPlayer::playableCopy(const QString& path, QString* why) {
     if (modPlaySound::SoundExtension(path) != QLatin1String("AMR"))
         return path;
+    if (!m_copies.isValid()) {
+        *why = m_copies.errorString();
+        return QString();
+    }
     const QString copy = m_copies.path() + u'/' + QFileInfo(path).completeBaseName() + ".wav";
     const int result = AmrConverter::amr2wav(path, copy);
     if (result == 0)

@@ -97,23 +97,13 @@ QString SoundAttacher::bringInWav(const QString& source, SoundInfo& info) {
 // The encoder writes its target whole or not at all, so a refused WAV (two
 // channels, say) leaves nothing behind.
 QString SoundAttacher::convertToAmr(const QString& source) {
-    const QString name = freshName(QStringLiteral(".amr"));
+    const QString name = manager().GetUniqueFileName(QStringLiteral("A"), QStringLiteral(".amr"));
     return manager().WavToAmr(source, workPath(name)) == AmrConverter::Ok ? name : QString();
 }
 
 QString SoundAttacher::copyIn(const QString& source, const QString& extension) {
-    const QString name = freshName(extension);
+    const QString name = manager().GetUniqueFileName(QStringLiteral("A"), extension);
     return manager().CopyToWorkFolder(source, name) ? name : QString();
-}
-
-// A file already there may be named by an undo step or by the sound being
-// attached itself, so it is never written over.
-QString SoundAttacher::freshName(const QString& extension) {
-    QString name;
-    do
-        name = manager().GetUniqueFileName(QStringLiteral("A"), extension);
-    while (QFileInfo::exists(workPath(name)));
-    return name;
 }
 
 QString SoundAttacher::workPath(const QString& name) const {

@@ -38,7 +38,6 @@ private:
     QString bringInWav(const QString& source, SoundInfo& info);
     QString convertToAmr(const QString& source);
     QString copyIn(const QString& source, const QString& extension);
-    QString freshName(const QString& extension);
     QString workPath(const QString& name) const;
     qint64 lengthOf(const QString& name, const SoundInfo& info);
     bool askToAttach(const QString& source) const;

@@ -245,7 +245,7 @@ void ctlBrowser::selectIndex(int index) {
 
 void ctlBrowser::addSelected() {
     if (selectedIndex() == 0)
-        return inform(text("STR_BROWSER_DELETE_MSG", "Select a file first."),
+        return inform(text("STR_BROWSER_ADD_MSG", "Select a file first, then click Add."),
                       text("STR_BROWSER_ADD_CAP", "Add file"));
     emit addFile(AppPaths::withSlash(m_model->folder()), filename());
 }

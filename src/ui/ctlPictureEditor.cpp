@@ -126,8 +126,11 @@ void ctlPictureEditor::LoadDrawObjects() {
     const clsDrawObjects* objects = m_edits.objects();
     if (m_inPlace && (!objects || m_inPlaceIndex > objects->Count()))
         closeInPlaceEditor(false);
-    if (!objects || m_selected > objects->Count())
+    // A choice belongs to its slide of its message.
+    const std::pair<const clsMessage*, int> shown{m_document.message(), m_document.currentSlide()};
+    if (!objects || m_selected > objects->Count() || shown != m_shownSlide)
         m_selected = 0;
+    m_shownSlide = shown;
     update();
     if (QAccessible::isActive()) {
         QAccessibleEvent reordered(this, QAccessible::ObjectReorder);
@@ -630,10 +633,12 @@ void ctlPictureEditor::ChangeText(const QString& text) {
 // The properties of a text, but not its caption: what is being typed into
 // the text stays.
 void ctlPictureEditor::ApplyText(const DrawObjectProperties& properties) {
-    closeInPlaceEditor(true);
-    if (!selectedIsText() || properties.typ != QLatin1String("text"))
-        return;
+    // Taken before the typed text is kept: keeping it shows the text again
+    // in the panel that sent these properties.
     DrawObjectProperties styled = properties;
+    closeInPlaceEditor(true);
+    if (!selectedIsText() || styled.typ != QLatin1String("text"))
+        return;
     styled.text = selectedProperties().text;
     m_edits.setProperties(m_selected, styled);
 }
@@ -695,8 +700,11 @@ void ctlPictureEditor::paste() {
 }
 
 void ctlPictureEditor::duplicateSelected() {
-    if (const int added = m_selected ? m_edits.duplicate(m_selected) : 0)
+    QString why;
+    if (const int added = m_selected ? m_edits.duplicate(m_selected, &why) : 0)
         selectObject(added);
+    else if (!why.isEmpty())
+        inform(why);
 }
 
 void ctlPictureEditor::bringSelectedToFront() {

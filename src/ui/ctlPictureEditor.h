@@ -11,8 +11,10 @@
 #include <QPointer>
 #include <QWidget>
 #include <optional>
+#include <utility>
 
 class MessageDocument;
+class clsMessage;
 class QMimeData;
 class QPlainTextEdit;
 
@@ -131,6 +133,7 @@ private:
     PictureEditorMenu::State menuState() const;
 
     MessageDocument& m_document;
+    std::pair<const clsMessage*, int> m_shownSlide{nullptr, 0};
     SlidePictureEdits m_edits;
     PictureEditorMenu m_menu;
     clsClipboardManager m_clipboard;

@@ -7,8 +7,11 @@
 #include "SettingsBootstrap.h"
 #include "SlidePanel.h"
 #include "TempDataHome.h"
+#include "TextPropertiesPanel.h"
+#include "ToolTabs.h"
 #include "clsPropertiesXML.h"
 #include "ctlMainMenu.h"
+#include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
 #include "ctlSlideTime.h"
 #include "frmMain.h"
@@ -18,6 +21,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QToolButton>
 #include <memory>
 
 // The main window driven as a user drives it: keys, clicks and answered boxes,
@@ -210,4 +214,22 @@ TEST_F(MainWindowTest, TheCommandLinesFileOpensWithProgressAndThePlaceIsKept) {
     const QString position = AppGlobals::settings()->GetProp("preferences", "MainPosition", "");
     EXPECT_EQ(position, QString("%1;%2").arg(window().x()).arg(window().y()));
     EXPECT_NE(position, "-1;-1");
+}
+
+TEST_F(MainWindowTest, AStyleChosenWhileTypingIsKeptAndAChoiceStaysOnItsSlide) {
+    ctlPictureEditor* editor = window().pictureEditor();
+    editor->AddText();
+    window().toolTabs()->setCurrentWidget(window().textProperties());
+    editor->setFocus();
+    QTest::keyClick(editor, Qt::Key_F2);
+    QTest::keyClicks(QApplication::focusWidget(), "Hi");
+    QTest::mouseClick(window().textProperties()->findChild<QToolButton*>("chkBold"),
+                      Qt::LeftButton);
+    const DrawObjectProperties typed = editor->selectedProperties();
+    EXPECT_TRUE(typed.text.contains("Hi")) << typed.text.toStdString();
+    EXPECT_TRUE(typed.bold) << "Bold clicked while the text was being typed";
+
+    ASSERT_TRUE(document().duplicateSlideAfter(1));
+    document().setCurrentSlide(2);
+    EXPECT_EQ(editor->selectedObject(), 0) << "nothing is chosen on a slide not yet touched";
 }

@@ -169,7 +169,8 @@ TEST_F(MediaBrowserTest, AddPutsTheChosenFileOnTheCurrentSlide) {
     pictures.list()->setCurrentIndex(QModelIndex());
     DialogService::queueAnswer(QMessageBox::Ok);
     QTest::mouseClick(pictures.findChild<QPushButton*>("cmdAdd"), Qt::LeftButton);
-    EXPECT_EQ(DialogService::answeredBoxes().size(), 1);
+    ASSERT_EQ(DialogService::answeredBoxes().size(), 1);
+    EXPECT_EQ(DialogService::answeredBoxes()[0].text, "Select a file first, then click Add.");
     EXPECT_EQ(saveAndDescribe().count("object "), 1);
 }
 

@@ -3,6 +3,7 @@
 #include "AmrConverter.h"
 #include "AppGlobals.h"
 #include "AppPaths.h"
+#include "AtomicFile.h"
 #include "Clock.h"
 #include "DialogService.h"
 #include "FieldLabel.h"
@@ -17,6 +18,7 @@
 
 #include <QComboBox>
 #include <QDateTime>
+#include <QDir>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -267,8 +269,13 @@ bool ctlAudioRecorder::save() {
         return false;
     }
     const QString name = chosenName();
-    if (name.isEmpty() || !AppPaths::createPath(m_folder))
+    if (name.isEmpty())
         return false;
+    if (!AppPaths::createPath(m_folder)) {
+        inform(AppGlobals::text("STR_FOLDER_NOT_MADE", "The folder %0 cannot be made.",
+                                {QDir::toNativeSeparators(m_folder)}));
+        return false;
+    }
     const QString target = m_folder + name + u'.' + extension();
     if (QFileInfo::exists(target)) {
         QString question = AppGlobals::text(
@@ -309,7 +316,7 @@ bool ctlAudioRecorder::saveAs(const QString& target) {
     const QString wav = trimmedCopy(&why);
     bool saved = !wav.isEmpty();
     if (saved && extension() == QLatin1String("wav"))
-        saved = (QFile::remove(target) || !QFileInfo::exists(target)) && QFile::copy(wav, target);
+        saved = copyOver(wav, target, &why);
     else if (saved && extension() == QLatin1String("mp3"))
         saved = Mp3Encoder::encodeFile(wav, target, selectedPreset().targetBytesPerSec, why);
     else if (saved)
@@ -317,6 +324,16 @@ bool ctlAudioRecorder::saveAs(const QString& target) {
     if (!saved)
         inform(why);
     return saved;
+}
+
+// Written whole beside the target and then put in its place: a failed
+// save leaves the user's earlier file as it was.
+bool ctlAudioRecorder::copyOver(const QString& wav, const QString& target, QString* why) {
+    QFile source(wav);
+    if (source.open(QIODevice::ReadOnly))
+        return AtomicFile::copyFile(source, target, why);
+    *why = source.errorString();
+    return false;
 }
 
 // The AMR is made from a WAV kept in the "amrwav" folder beside the sounds.

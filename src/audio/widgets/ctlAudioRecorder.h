@@ -59,6 +59,7 @@ private:
     QString extension() const;
     QString chosenName();
     bool saveAs(const QString& target);
+    static bool copyOver(const QString& wav, const QString& target, QString* why);
     bool saveAmr(const QString& wav, const QString& target, QString* why);
     QString trimmedCopy(QString* why);
     void mRecordTimer_Timer();

@@ -55,6 +55,7 @@ frmPictureBrowser::frmPictureBrowser(QWidget* parent)
       cmdCrop(addButton("cmdCrop", "edit-cut", Qt::CTRL | Qt::Key_K)),
       cmdAdd(addButton("cmdAdd", "list-add", Qt::CTRL | Qt::Key_Return)),
       cmdClose(addButton("cmdClose", "window-close", QKeySequence())) {
+    m_reader.setMaxThreadCount(1);
     setObjectName("frmPictureBrowser");
     txtFolder->setObjectName("txtFolder");
     cmdBrowse->setObjectName("cmdBrowse");
@@ -235,7 +236,8 @@ void frmPictureBrowser::loadSelected() {
     }
     m_current = QDir(m_folder).filePath(item->text());
     showMessage(AppGlobals::text("STR_PB_LOADING", "Reading %0…", {item->text()}));
-    m_loading.setFuture(QtConcurrent::run(&frmPictureBrowser::loadPicture, m_current));
+    m_reader.clear();
+    m_loading.setFuture(QtConcurrent::run(&m_reader, &frmPictureBrowser::loadPicture, m_current));
 }
 
 void frmPictureBrowser::pictureLoaded() {

@@ -6,6 +6,7 @@
 #include <QFutureWatcher>
 #include <QImage>
 #include <QKeySequence>
+#include <QThreadPool>
 
 class QLabel;
 class QLineEdit;
@@ -86,5 +87,7 @@ private:
     // The file being read or shown; results for any other are dropped.
     QString m_current;
     QFutureWatcher<Loaded> m_loading;
+    // One picture is read at a time; a newer choice drops the one waiting.
+    QThreadPool m_reader;
     PrivateTempDir m_handOver;
 };
