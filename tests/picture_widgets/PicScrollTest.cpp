@@ -196,22 +196,6 @@ TEST_F(PicScrollTest, SavesABitmapOrWithTheProgramsOwnEncoderAGif) {
     }
 }
 
-TEST_F(PicScrollTest, TakesAStoredColourApart) {
-    int red = -1, green = -1, blue = -1;
-    ctlPicScroll::RGBDiv(0x123456, red, green, blue);
-    EXPECT_EQ(QColor(red, green, blue), QColor(0x56, 0x34, 0x12));
-    // Higher bits are no part of the colour.
-    ctlPicScroll::RGBDiv(0x7F01ABCDEFLL, red, green, blue);
-    EXPECT_EQ(QColor(red, green, blue), QColor(0xEF, 0xCD, 0xAB));
-}
-
-TEST_F(PicScrollTest, CapturesThePrimaryScreen) {
-    QScreen* screen = QGuiApplication::primaryScreen();
-    ASSERT_NE(screen, nullptr);
-    m_view.CaptureDesktop();
-    EXPECT_EQ(m_view.GetPicture().size(), screen->geometry().size() * screen->devicePixelRatio());
-}
-
 TEST_F(PicScrollTest, TheCropFrameIsDraggedByItsCornerAndBodyAndMovedByKeys) {
     m_view.setPicture(picture(QSize(400, 400)));
     m_view.setCropAspect(QSize(160, 120));

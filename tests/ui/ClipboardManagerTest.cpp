@@ -216,17 +216,6 @@ TEST_F(ClipboardCopyTest, AnImageGoesOnAsStringClipFileBytesAndPicture) {
     EXPECT_FALSE(onClipboard().hasText());
 }
 
-TEST_F(ClipboardCopyTest, TheClipFileTakesTheExtensionInLowerCase) {
-    savePicture(work("SCAN.JPG"), "JPEG");
-    savePicture(work("Shot.Png"), "PNG");
-    ASSERT_TRUE(m_manager.copyObject(m_work, DrawObjectProperties::forImage("SCAN.JPG", QRect())));
-    EXPECT_EQ(m_manager.GetPrivateClipboardString(), "image;clipimg.jpg;0;0;0;0");
-    EXPECT_EQ(bytesOf(work("clipimg.jpg")), bytesOf(work("SCAN.JPG")));
-    ASSERT_TRUE(m_manager.copyObject(m_work, DrawObjectProperties::forImage("Shot.Png", QRect())));
-    EXPECT_EQ(m_manager.GetPrivateClipboardString(), "image;clipimg.png;0;0;0;0");
-    EXPECT_EQ(bytesOf(work("clipimg.png")), bytesOf(work("Shot.Png")));
-}
-
 TEST_F(ClipboardCopyTest, ATextGoesOnAsStringAndPlainText) {
     ASSERT_TRUE(m_manager.copyObject(m_work, fullText()));
     EXPECT_EQ(m_manager.GetPrivateClipboardString(), clsClipboardManager::clipString(fullText()));
@@ -392,11 +381,6 @@ TEST_F(ClipboardPasteTest, ACaptionWithASemicolonComesBackWhole) {
     const ClipboardPaste paste = m_manager.paste(m_work);
     ASSERT_EQ(paste.kind, ClipboardPaste::Object);
     expectSameText(paste.object, DrawObjectProperties::forText("Meet at 10;30", QRect()));
-}
-
-TEST_F(ClipboardPasteTest, AnEmptyClipboardGivesNothing) {
-    EXPECT_FALSE(m_manager.canPaste());
-    EXPECT_EQ(m_manager.paste(m_work).kind, ClipboardPaste::Nothing);
 }
 
 TEST_F(ClipboardPasteTest, OtherDataIsRefusedWithTheProgramsMessage) {

@@ -375,21 +375,6 @@ TEST_F(SoundAttacherTest, ALinkToASoundFileIsFollowed) {
     EXPECT_TRUE(DialogService::answeredBoxes().isEmpty());
 }
 
-TEST_F(SoundAttacherTest, WithoutAFolderANameOrASlideNothingHappens) {
-    const QByteArray xmlBefore = xml();
-    const QStringList filesBefore = workFiles();
-    DialogService::queueAnswer(QMessageBox::Yes);
-    EXPECT_FALSE(m_attacher.attach("", "chime.wav"));
-    EXPECT_FALSE(m_attacher.attach(sounds(), ""));
-    expectUnchanged(xmlBefore, filesBefore, 0);
-
-    clsMMSManager bare;
-    MessageDocument empty(bare);
-    ASSERT_EQ(empty.message(), nullptr);
-    EXPECT_FALSE(SoundAttacher(empty, nullptr).attach(sounds(), "chime.wav"));
-    EXPECT_TRUE(DialogService::answeredBoxes().isEmpty()) << "no box was shown";
-}
-
 TEST_F(SoundAttacherTest, UndoPutsTheSlideBackExactly) {
     refuseUnexpectedBoxes();
     ASSERT_TRUE(m_attacher.attach(sounds(), "chime.wav"));

@@ -62,20 +62,6 @@ void pickFromList(QFontComboBox* font, const QString& family) {
     EXPECT_FALSE(list->isVisible()) << "the list closes on a click";
 }
 
-// Answers the real colour dialog as soon as it is up.
-void answerColorDialog(const std::function<void(QColorDialog&)>& answer) {
-    auto* timer = new QTimer;
-    timer->setInterval(10);
-    QObject::connect(timer, &QTimer::timeout, [timer, answer] {
-        if (auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget())) {
-            timer->deleteLater();
-            timer->stop();
-            answer(*dialog);
-        }
-    });
-    timer->start();
-}
-
 // A centred, bold, blue-ish text in a font every machine here has.
 DrawObjectProperties sampleText() {
     DrawObjectProperties text =
@@ -312,39 +298,6 @@ TEST_F(TextPropertiesPanelTest, AMissingFontIsKeptUntilTheUserPicksOne) {
     EXPECT_EQ(picked.fontName, "DejaVu Serif");
 }
 
-TEST_F(TextPropertiesPanelTest, AFontIsSteppedToOrTypedByName) {
-    const DrawObjectProperties text = sampleText();
-    m_panel->showText(&text);
-    auto* font = control<QFontComboBox>("cboFont");
-    const int fonts = font->count();
-    font->setFocus();
-    QTest::keyClick(font, Qt::Key_Down);
-    QTest::keyClick(font, Qt::Key_Up);
-    ASSERT_EQ(m_edited->count(), 2) << "each font stepped to is one edit";
-    EXPECT_NE(edited(0).fontName, "DejaVu Sans");
-    EXPECT_EQ(changedFields(text, edited(0)), QStringList{"fontName"});
-    EXPECT_EQ(edited(1).fontName, "DejaVu Sans");
-
-    const auto type = [font](const QString& name) {
-        font->lineEdit()->selectAll();
-        QTest::keyClicks(font->lineEdit(), name);
-        QTest::keyClick(font->lineEdit(), Qt::Key_Return);
-    };
-    m_panel->showText(&text);
-    m_edited->clear();
-    type("dejavu serif");
-    ASSERT_EQ(m_edited->count(), 1);
-    EXPECT_EQ(edited(0).fontName, "DejaVu Serif") << "the font's own spelling is stored";
-
-    m_panel->showText(&text);
-    m_edited->clear();
-    pickFromList(font, "DejaVu Sans");
-    type("Vellumo Missing Sans");
-    EXPECT_EQ(m_edited->count(), 0) << "neither the font it has nor one this computer lacks";
-    EXPECT_EQ(font->currentText(), "DejaVu Sans");
-    EXPECT_EQ(font->count(), fonts) << "a typed name is not added to the list";
-}
-
 TEST_F(TextPropertiesPanelTest, TheColourComesFromTheColourDialog) {
     const DrawObjectProperties text = sampleText();
     auto* color = control<QPushButton>("cmdColor");
@@ -369,31 +322,6 @@ TEST_F(TextPropertiesPanelTest, TheColourComesFromTheColourDialog) {
     EXPECT_EQ(m_edited->count(), 0);
     EXPECT_EQ(color->text(), "#CC6633");
     EXPECT_EQ(swatchColor(), QColor(0xCC, 0x66, 0x33));
-}
-
-TEST_F(TextPropertiesPanelTest, WithNoAnswerQueuedTheColourDialogShows) {
-    const DrawObjectProperties text = sampleText();
-    m_panel->showText(&text);
-    auto* color = control<QPushButton>("cmdColor");
-    QString title;
-    QColor initial;
-    answerColorDialog([&](QColorDialog& dialog) {
-        title = dialog.windowTitle();
-        initial = dialog.currentColor();
-        dialog.reject();
-    });
-    QTest::mouseClick(color, Qt::LeftButton);
-    EXPECT_EQ(title, "Text color");
-    EXPECT_EQ(initial, QColor(0xCC, 0x66, 0x33));
-    EXPECT_EQ(m_edited->count(), 0) << "cancelled";
-
-    answerColorDialog([](QColorDialog& dialog) {
-        dialog.setCurrentColor(Qt::blue);
-        dialog.accept();
-    });
-    QTest::mouseClick(color, Qt::LeftButton);
-    ASSERT_EQ(m_edited->count(), 1);
-    EXPECT_EQ(edited(0).fontColor, 0xFF0000) << "blue is the high byte";
 }
 
 TEST_F(TextPropertiesPanelTest, WithoutATextEverythingIsDisabledAndAHintSaysWhy) {
@@ -426,18 +354,6 @@ TEST_F(TextPropertiesPanelTest, WithoutATextEverythingIsDisabledAndAHintSaysWhy)
     EXPECT_FALSE(hint->isVisible());
     for (QWidget* widget : controls)
         EXPECT_TRUE(widget->isEnabled()) << widget->objectName().toStdString();
-}
-
-TEST_F(TextPropertiesPanelTest, LabelsReachTheirFieldsWithAltAndTheirLetter) {
-    const DrawObjectProperties text = sampleText();
-    m_panel->showText(&text);
-    QTest::keyClick(m_window.get(), Qt::Key_Z, Qt::AltModifier);
-    EXPECT_EQ(QApplication::focusWidget(), control<QSpinBox>("spnFontSize"));
-    QTest::keyClick(m_window.get(), Qt::Key_L, Qt::AltModifier);
-    EXPECT_EQ(QApplication::focusWidget(), control<QPushButton>("cmdColor"));
-    QTest::keyClick(m_window.get(), Qt::Key_O, Qt::AltModifier);
-    auto* font = control<QFontComboBox>("cboFont");
-    EXPECT_TRUE(font->hasFocus() || font->isAncestorOf(QApplication::focusWidget()));
 }
 
 TEST_F(TextPropertiesPanelTest, AWindowOfItsOwnClosesWhileAFontNameIsBeingTyped) {
@@ -517,14 +433,4 @@ TEST_F(TextPropertiesPanelTest, ControlsAreNamedInEnglishAndGerman) {
     EXPECT_EQ(labelTexts(*m_panel),
               (QStringList{"&Schriftart", "&Größe", "Sti&l", "A&usrichtung", "Fa&rbe"}));
     EXPECT_TRUE(control<QLabel>("lblNoText")->text().startsWith("Wählen Sie einen Text"));
-}
-
-TEST_F(TextPropertiesPanelTest, ItFitsANarrowDockInEitherLanguage) {
-    const DrawObjectProperties text = sampleText();
-    m_panel->showText(&text);
-    EXPECT_LE(m_panel->minimumSizeHint().width(), 220);
-    useLanguage("de-de");
-    m_panel->TranslateControl();
-    m_panel->showText(nullptr);
-    EXPECT_LE(m_panel->minimumSizeHint().width(), 220);
 }
