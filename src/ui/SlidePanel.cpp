@@ -111,8 +111,8 @@ void SlidePanel::setSoundPlaying(bool playing) {
     m_soundPlaying = playing;
     cmdPlaySound->setText(playing ? AppGlobals::text("STR_STOP", "Stop")
                                   : AppGlobals::text("STR_PLAY", "Play"));
-    cmdPlaySound->setAccessibleName(cmdPlaySound->text() + u' ' +
-                                    AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
+    cmdPlaySound->setAccessibleName(playing ? AppGlobals::text("STR_STOP_SOUND", "Stop the sound")
+                                            : AppGlobals::text("STR_PLAY_SOUND", "Play the sound"));
 }
 
 void SlidePanel::showTotal(qint64 ms) {

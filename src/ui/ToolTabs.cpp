@@ -113,6 +113,8 @@ void ToolTabs::TranslateControl() {
     setTabText(indexOf(m_recorder), AppGlobals::text("STR_AUDIO_REC_TITLE", "Recorder"));
     m_recorder->TranslateControl();
     setTabText(indexOf(m_textPanel), AppGlobals::text("STR_TEXT_TITLE", "Text"));
+    for (int tab = 0; tab < count(); ++tab)
+        widget(tab)->setAccessibleName(tabText(tab));
     m_pictureBrowser->setText(AppGlobals::text("STR_PB_OPEN", "&Photos..."));
     m_pictureBrowser->setToolTip(
         AppGlobals::text("STR_PB_OPEN_TIP",

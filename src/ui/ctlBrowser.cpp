@@ -96,8 +96,11 @@ void ctlBrowser::TranslateControl() {
     static_cast<MediaListView*>(m_list)->setEmptyText(
         text("STR_BROWSER_EMPTY", "No files here. Click Browse to pick one from elsewhere."));
     setCaption(m_caption);
-    if (m_tree)
+    if (m_tree) {
         m_tree->TranslateControl();
+        m_split->handle(1)->setAccessibleName(
+            text("STR_BROWSER_SPLIT", "Width of the folder tree"));
+    }
 }
 
 void ctlBrowser::SetBrowserThumbType(int thumbType) {
@@ -185,6 +188,7 @@ void ctlBrowser::UseExternalBrowser(bool on) {
     m_split->insertWidget(0, m_tree);
     m_split->setStretchFactor(0, 2);
     m_split->setStretchFactor(1, 3);
+    TranslateControl();
     m_tree->selectFolder(GetBrowserDir());
     connect(m_tree, &ctlDirTree::folderChosen, this, [this](const QString& folder) {
         m_path = folder;

@@ -32,6 +32,7 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QScreen>
+#include <QSizeGrip>
 #include <QStatusBar>
 #include <QUndoStack>
 
@@ -348,6 +349,8 @@ void frmMain::TranslateForm() {
     if (auto* tools = findChild<QDockWidget*>("dockTools"))
         tools->setWindowTitle(text("STR_TOOLS", "Tools"));
     m_progress->setAccessibleName(text("STR_PROGRESS", "Progress"));
+    if (auto* grip = statusBar()->findChild<QSizeGrip*>())
+        grip->setAccessibleName(text("STR_RESIZE_GRIP", "Resize the window"));
     setWindowTitle(windowCaption());
     showStatus();
 }

@@ -120,6 +120,8 @@ void ctlAudioRecorder::TranslateControl() {
     FieldLabel::setCaption(lblName, text("STR_NAME", "Name"));
     cboQuality->setAccessibleName(text("STR_QUALITY", "Quality"));
     prgTime->setAccessibleName(text("STR_REC_TIME", "Recording time"));
+    // The window's translation blanks every named label; the time is shown again.
+    showElapsed();
 }
 
 // Entries 1 and 2 always record the built-in preset; an entry whose MP3
