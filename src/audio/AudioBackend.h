@@ -24,12 +24,23 @@ public:
     virtual void stop() = 0;
 };
 
+// Where a recording takes its sound from: the microphone or line input, or
+// what the computer itself is playing.
+enum class RecordingInput { Microphone, Playback };
+
 // Where the media commands make sound: a real device, a silent clock, or a
 // test script.
 class AudioBackend {
 public:
     virtual ~AudioBackend() = default;
     virtual QString name() const = 0;
+
+    // Whether there is anything to record from on that input.
+    virtual bool hasInput(RecordingInput input) const = 0;
+    // The input the next recordings take their sound from, as the system's
+    // recording mixer would choose it: the media commands stay the same.
+    void setRecordingInput(RecordingInput input) { m_recordingInput = input; }
+    RecordingInput recordingInput() const { return m_recordingInput; }
 
     // Plays a 16-bit sound; nullptr when it cannot be played.
     virtual std::unique_ptr<PlaybackStream> play(const PcmSound& sound) = 0;
@@ -40,4 +51,7 @@ public:
     // The sound device when one exists, otherwise the silent backend. The
     // environment variable VELLUMO_AUDIO=null forces the silent one.
     static std::unique_ptr<AudioBackend> createDefault();
+
+private:
+    RecordingInput m_recordingInput = RecordingInput::Microphone;
 };

@@ -17,6 +17,7 @@ class MciDevice;
 //         [samplespersec N] [bytespersec N]
 //   record A [to MS]    play A [from MS] [to MS]    stop A    close A|all
 //   save A PATH         status A mode|length|position|samplespersec|bitspersample
+//                       status A level (while recording: the loudest recent sample)
 //
 // Replies are "playing", "recording", "stopped" or decimal numbers. Aliases
 // are compared without regard to case. Paths may hold spaces, or be quoted.

@@ -7,6 +7,7 @@
 class NullAudioBackend : public AudioBackend {
 public:
     QString name() const override { return QStringLiteral("null"); }
+    bool hasInput(RecordingInput) const override { return false; }
     std::unique_ptr<PlaybackStream> play(const PcmSound& sound) override;
     std::unique_ptr<CaptureStream> record(const PcmFormat& format, std::int64_t maxFrames) override;
 

@@ -1,11 +1,14 @@
 #include "QtAudioBackend.h"
 
+#include "PulseMonitorCapture.h"
+
 #include <QAudioFormat>
 #include <QAudioSink>
 #include <QAudioSource>
 #include <QBuffer>
 #include <QFileInfo>
 #include <QMediaDevices>
+#include <functional>
 
 namespace {
 QAudioFormat toQt(const PcmFormat& format) {
@@ -45,49 +48,62 @@ private:
     QAudioSink m_sink;
 };
 
+// Where the source pushes what it records. It is ours, not the source's:
+// a source that fails (the sound server went away) drops the device it
+// hands out for reading, and with it what was not yet read.
+class CaptureBuffer : public QIODevice {
+public:
+    CaptureBuffer(qsizetype maxBytes, std::function<void()> full)
+        : m_maxBytes(maxBytes), m_full(std::move(full)) {
+        open(QIODevice::WriteOnly);
+    }
+    const QByteArray& data() const { return m_data; }
+    bool isFull() const { return m_data.size() >= m_maxBytes; }
+
+protected:
+    qint64 readData(char*, qint64) override { return -1; }
+    // Takes everything offered and keeps what fits under the limit, so the
+    // recording is exactly as long as asked for.
+    qint64 writeData(const char* data, qint64 size) override {
+        const bool wasFull = isFull();
+        m_data.append(data, std::min<qint64>(size, m_maxBytes - m_data.size()));
+        if (isFull() && !wasFull)
+            QMetaObject::invokeMethod(this, m_full, Qt::QueuedConnection);
+        return size;
+    }
+
+private:
+    QByteArray m_data;
+    qsizetype m_maxBytes;
+    std::function<void()> m_full;
+};
+
 class SourceStream : public CaptureStream {
 public:
     SourceStream(const QAudioDevice& device, const PcmFormat& format, std::int64_t maxFrames)
-        : m_maxBytes(maxFrames * format.bytesPerFrame()), m_source(device, toQt(format)) {
-        m_io = m_source.start();
-        if (m_io)
-            QObject::connect(m_io, &QIODevice::readyRead, [this] { pull(); });
+        : m_source(device, toQt(format)),
+          m_buffer(maxFrames * format.bytesPerFrame(), [this] { stop(); }) {
+        m_source.start(&m_buffer);
     }
     ~SourceStream() override { m_source.stop(); }
 
-    bool started() const { return m_io && m_source.error() == QAudio::NoError; }
-    QByteArray captured() const override {
-        pull();
-        return m_data;
+    bool started() const {
+        return m_source.error() == QAudio::NoError && m_source.state() != QAudio::StoppedState;
     }
+    QByteArray captured() const override { return m_buffer.data(); }
+    // Ends at the limit, on stop, and when the source stops by itself.
     bool finished() const override {
-        pull();
-        return m_stopped;
+        return m_stopped || m_buffer.isFull() || m_source.state() == QAudio::StoppedState;
     }
     void stop() override {
-        pull();
         m_source.stop();
         m_stopped = true;
     }
 
 private:
-    // Takes what the device has delivered and stops at the limit, so the
-    // recording ends there even when nobody asks about it.
-    void pull() const {
-        if (m_stopped || !m_io)
-            return;
-        m_data.append(m_io->read(m_maxBytes - m_data.size()));
-        if (m_data.size() >= m_maxBytes || m_source.state() == QAudio::StoppedState) {
-            m_source.stop();
-            m_stopped = true;
-        }
-    }
-
-    qsizetype m_maxBytes;
-    mutable QAudioSource m_source;
-    QIODevice* m_io = nullptr;
-    mutable QByteArray m_data;
-    mutable bool m_stopped = false;
+    QAudioSource m_source;
+    CaptureBuffer m_buffer;
+    bool m_stopped = false;
 };
 } // namespace
 
@@ -100,8 +116,15 @@ std::unique_ptr<PlaybackStream> QtAudioBackend::play(const PcmSound& sound) {
     return stream;
 }
 
+bool QtAudioBackend::hasInput(RecordingInput input) const {
+    // Every sound server has a monitor of its output.
+    return input == RecordingInput::Playback || !m_input.isNull();
+}
+
 std::unique_ptr<CaptureStream> QtAudioBackend::record(const PcmFormat& format,
                                                       std::int64_t maxFrames) {
+    if (recordingInput() == RecordingInput::Playback)
+        return PulseMonitorCapture::start(format, maxFrames);
     if (m_input.isNull() || !m_input.isFormatSupported(toQt(format)))
         return nullptr;
     auto stream = std::make_unique<SourceStream>(m_input, format, maxFrames);

@@ -3,6 +3,8 @@
 #include "Mci.h"
 #include "VbFormat.h"
 
+#include <algorithm>
+
 namespace {
 int send(const QString& command, QString* reply = nullptr) {
     return mciSendString(command, reply, RecorderSession::kReplySize);
@@ -41,6 +43,13 @@ QString RecorderSession::Mode() {
 std::int64_t RecorderSession::LengthMs() {
     QString reply;
     return send("status " + alias() + " length", &reply) == 0 ? reply.toLongLong() : -1;
+}
+
+double RecorderSession::Level(int bitsPerSample) {
+    QString reply;
+    if (send("status " + alias() + " level", &reply) != 0)
+        return 0;
+    return std::clamp(reply.toDouble() / (bitsPerSample == 8 ? 127 : 32767), 0.0, 1.0);
 }
 
 int RecorderSession::Save(const QString& path) {

@@ -18,6 +18,8 @@ public:
     // "recording", "playing" or "stopped"; "stopped" when the device is gone.
     QString Mode();
     std::int64_t LengthMs();
+    // How loud the input is while recording, from 0 (silence) to 1 (full scale).
+    double Level(int bitsPerSample);
     int Save(const QString& path);
     // Closes the recorder's devices: the recording and the file player.
     static void CloseSound();

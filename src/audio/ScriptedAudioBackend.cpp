@@ -32,8 +32,12 @@ private:
 
 class ScriptedAudioBackend::Capture : public CaptureStream {
 public:
+    // The microphone goes on where the last recording stopped; the playback
+    // input hears what is played from now on.
     Capture(ScriptedAudioBackend& backend, const PcmFormat& format, std::int64_t maxFrames)
-        : m_backend(&backend), m_format(format), m_maxBytes(maxFrames * format.bytesPerFrame()) {
+        : m_backend(&backend), m_format(format), m_maxBytes(maxFrames * format.bytesPerFrame()),
+          m_fromPlayback(backend.recordingInput() == RecordingInput::Playback),
+          m_playbackRead(backend.m_played.size()) {
         backend.m_captures.append(this);
     }
     ~Capture() override {
@@ -51,9 +55,9 @@ public:
         m_elapsedMs += ms;
         const qsizetype due = m_elapsedMs * m_format.sampleRate / 1000 * m_format.bytesPerFrame();
         const qsizetype wanted = std::min(due, m_maxBytes) - m_data.size();
-        QByteArray& mic = m_backend->m_microphone;
-        qsizetype& read = m_backend->m_microphoneRead;
-        const QByteArray chunk = mic.mid(read, wanted);
+        const QByteArray& source = m_fromPlayback ? m_backend->m_played : m_backend->m_microphone;
+        qsizetype& read = m_fromPlayback ? m_playbackRead : m_backend->m_microphoneRead;
+        const QByteArray chunk = source.mid(read, wanted);
         read += chunk.size();
         m_data.append(chunk);
         m_data.append(
@@ -65,6 +69,8 @@ private:
     ScriptedAudioBackend* m_backend;
     PcmFormat m_format;
     qsizetype m_maxBytes;
+    bool m_fromPlayback;
+    qsizetype m_playbackRead;
     std::int64_t m_elapsedMs = 0;
     QByteArray m_data;
     bool m_stopped = false;

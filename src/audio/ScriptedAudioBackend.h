@@ -5,7 +5,8 @@
 #include <QList>
 
 // A sound card for tests: the microphone plays back PCM the test supplies,
-// everything played is kept, and time moves only when the test says so.
+// everything played is kept (and heard by the playback input as it was
+// played), and time moves only when the test says so.
 class ScriptedAudioBackend : public AudioBackend {
 public:
     ScriptedAudioBackend() = default;
@@ -14,6 +15,7 @@ public:
     ScriptedAudioBackend& operator=(const ScriptedAudioBackend&) = delete;
 
     QString name() const override { return QStringLiteral("scripted"); }
+    bool hasInput(RecordingInput) const override { return true; }
     std::unique_ptr<PlaybackStream> play(const PcmSound& sound) override;
     std::unique_ptr<CaptureStream> record(const PcmFormat& format, std::int64_t maxFrames) override;
 

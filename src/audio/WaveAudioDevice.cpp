@@ -5,12 +5,34 @@
 #include "WavFile.h"
 
 #include <QFileInfo>
+#include <cstdlib>
 
 namespace {
 // A recording without a limit still has one, so memory stays bounded.
 constexpr std::int64_t kLongestRecordingMs = 4LL * 60 * 60 * 1000;
 const QStringList kFormatKeywords{"alignment", "channels", "bitspersample", "samplespersec",
                                   "bytespersec"};
+// The input level is the loudest sample of the latest 50 ms.
+constexpr int kLevelWindowMs = 50;
+
+// The loudest sample of the PCM's tail, as a distance from silence: up to
+// 127 for 8-bit sound, up to 32767 for 16-bit.
+int peakLevel(const QByteArray& pcm, const PcmFormat& format) {
+    const qsizetype frames =
+        std::min<qsizetype>(pcm.size() / format.bytesPerFrame(),
+                            std::max(1, format.sampleRate * kLevelWindowMs / 1000));
+    const qsizetype end = pcm.size() / format.bytesPerFrame() * format.bytesPerFrame();
+    const auto* bytes = reinterpret_cast<const unsigned char*>(pcm.constData());
+    int peak = 0;
+    if (format.bitsPerSample == 8) {
+        for (qsizetype i = end - frames * format.bytesPerFrame(); i < end; ++i)
+            peak = std::max(peak, std::abs(int(bytes[i]) - 128));
+        return std::min(peak, 127);
+    }
+    for (qsizetype i = end - frames * format.bytesPerFrame(); i + 1 < end; i += 2)
+        peak = std::max(peak, std::abs(int(std::int16_t(bytes[i] | bytes[i + 1] << 8))));
+    return std::min(peak, 32767);
+}
 } // namespace
 
 WaveAudioDevice::WaveAudioDevice(AudioBackend& backend)
@@ -131,6 +153,9 @@ int WaveAudioDevice::status(const QString& item, QString& reply) {
         reply = QString::number(format.bytesPerSecond());
     else if (item == QLatin1String("alignment"))
         reply = QString::number(format.bytesPerFrame());
+    else if (item == QLatin1String("level"))
+        reply = QString::number(
+            m_mode == Mode::Recording && m_capture ? peakLevel(m_capture->captured(), format) : 0);
     else
         return MciDevice::status(item, reply);
     return MciError::None;

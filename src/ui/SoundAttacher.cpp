@@ -9,8 +9,10 @@
 #include "clsSlide.h"
 #include "modPlaySound.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QStringList>
+#include <QtEndian>
 #include <algorithm>
 
 namespace {
@@ -53,7 +55,24 @@ SoundAttacher::SoundInfo SoundAttacher::readInfo(const QString& path) {
     info.length = known ? length : -1;
     info.samplesPerSecond = parts.value(2);
     info.bitsPerSample = parts.value(3);
+    // What is left of a cut-off WAV would play, but it is not the sound the user meant.
+    if (info.kind == QLatin1String("WAV") && cutShort(path))
+        info.length = -1;
     return info;
+}
+
+// A RIFF file shorter than its header says: an unfinished download or copy.
+// Writers that stream leave the size open (0 or all ones); a pad byte's
+// worth of difference is a common slip, not a loss.
+bool SoundAttacher::cutShort(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray head = file.read(8);
+    if (head.size() < 8 || !head.startsWith("RIFF"))
+        return false;
+    const quint32 declared = qFromLittleEndian<quint32>(head.constData() + 4);
+    return declared != 0 && declared != 0xFFFFFFFFu && qint64(declared) + 8 > file.size() + 1;
 }
 
 bool SoundAttacher::convertsToAmr(const SoundInfo& info) {
@@ -64,11 +83,11 @@ bool SoundAttacher::convertsToAmr(const SoundInfo& info) {
 }
 
 // Whether the sound is of a kind phones play and was read well enough to be
-// taken without asking.
+// taken without asking. An AMR is measured only once it is in the work folder.
 bool SoundAttacher::understood(const SoundInfo& info) {
-    static const QStringList always{"AMR", "MID", "MIDI", "MI"};
-    static const QStringList whenMeasured{"WAV", "MP3", "IMY"};
-    return always.contains(info.kind) || (whenMeasured.contains(info.kind) && info.length > 0);
+    static const QStringList whenMeasured{"WAV", "MP3", "IMY", "MID", "MIDI", "MI"};
+    return info.kind == QLatin1String("AMR") ||
+           (whenMeasured.contains(info.kind) && info.length > 0);
 }
 
 QString SoundAttacher::workExtension(const QString& fileName, const SoundInfo& info) {

@@ -31,6 +31,7 @@ private:
         QString bitsPerSample;
     };
     static SoundInfo readInfo(const QString& path);
+    static bool cutShort(const QString& path);
     static bool convertsToAmr(const SoundInfo& info);
     static bool understood(const SoundInfo& info);
     static QString workExtension(const QString& fileName, const SoundInfo& info);

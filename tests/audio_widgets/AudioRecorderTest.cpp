@@ -2,6 +2,7 @@
 #include "DialogService.h"
 #include "FakeClock.h"
 #include "Mci.h"
+#include "NullAudioBackend.h"
 #include "PcmSound.h"
 #include "QtPrinters.h"
 #include "ScriptedAudioBackend.h"
@@ -15,6 +16,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QProcess>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -181,4 +183,60 @@ TEST_F(AudioRecorderTest, TheHighQualityIsAnMp3OfTheEncodersBitRate) {
                  "csv=p=0", saveFolder() + "song.mp3"});
     ASSERT_TRUE(probe.waitForFinished(30000));
     EXPECT_EQ(QString::fromUtf8(probe.readAllStandardOutput()).trimmed(), "mp3,44100,2");
+}
+
+TEST_F(AudioRecorderTest, InputRecordsWhatTheComputerPlaysAndTheMeterShowsHowLoud) {
+    // A quiet buzz, about 30 dB under full scale, plays on the card while the
+    // microphone hears the loud tone.
+    QByteArray buzz(8000 * 2, Qt::Uninitialized);
+    for (int i = 0; i < 8000; ++i) {
+        const auto sample = qint16((i % 2 ? 1036 : -1036) + i % 7);
+        std::memcpy(buzz.data() + 2 * i, &sample, 2);
+    }
+    const PcmSound played(PcmFormat{8000, 1, 16}, buzz);
+    const QString music = m_root.path() + "/music.wav";
+    ASSERT_TRUE(WavFile::write(music, played));
+    ASSERT_EQ(m_mci.mciSendString("open waveaudio!" + music + " alias music", nullptr, 0), 0);
+    ASSERT_EQ(m_mci.mciSendString("play music", nullptr, 0), 0);
+
+    auto* meter = m_recorder->findChild<QProgressBar*>("prgLevel");
+    QTest::mouseClick(button("cmdInput"), Qt::LeftButton);
+    ASSERT_TRUE(button("cmdInput")->isChecked());
+    QTest::mouseClick(button("cmdRecord"), Qt::LeftButton);
+    m_card.advance(500);
+    // -30 dB fills half the meter, which spans 60 dB.
+    QTRY_VERIFY(meter->value() > 0);
+    EXPECT_NEAR(meter->value(), 50, 2);
+    m_card.advance(500);
+    QTest::mouseClick(button("cmdStop"), Qt::LeftButton);
+    QTRY_VERIFY(button("cmdRecord")->isEnabled());
+    EXPECT_EQ(meter->value(), 0) << "the meter rests when the recording stops";
+
+    name()->setText("from_player");
+    ASSERT_TRUE(m_recorder->save());
+    PcmSound saved;
+    ASSERT_EQ(WavFile::read(saveFolder() + "from_player.wav", saved), WavFile::Error::None);
+    EXPECT_EQ(saved.data(), played.data()) << "exactly what was played, not the microphone";
+
+    QTest::mouseClick(button("cmdInput"), Qt::LeftButton);
+    recordFor(1000);
+    name()->setText("from_microphone");
+    ASSERT_TRUE(m_recorder->save());
+    ASSERT_EQ(WavFile::read(saveFolder() + "from_microphone.wav", saved), WavFile::Error::None);
+    EXPECT_EQ(saved.data(), microphoneTone().left(16000));
+}
+
+TEST_F(AudioRecorderTest, WithoutASoundDeviceTheRecorderSaysSoInsteadOfFailing) {
+    NullAudioBackend silence;
+    Mci noCard(silence);
+    Mci::install(&noCard);
+    m_recorder = std::make_unique<ctlAudioRecorder>();
+    m_recorder->show();
+    EXPECT_FALSE(button("cmdRecord")->isEnabled());
+    EXPECT_FALSE(button("cmdInput")->isEnabled());
+    const auto* notice = m_recorder->findChild<QLabel*>("lblNoInput");
+    EXPECT_TRUE(notice->isVisible());
+    EXPECT_EQ(notice->text(), "No sound device is present: nothing can be recorded.");
+    m_recorder.reset();
+    Mci::install(&m_mci);
 }

@@ -6,6 +6,7 @@
 #include "Mci.h"
 #include "MessageDocument.h"
 #include "NullAudioBackend.h"
+#include "ProgramRun.h"
 #include "SettingsBootstrap.h"
 #include "TempDataHome.h"
 #include "clsMMSManager.h"
@@ -18,6 +19,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <cmath>
 #include <numbers>
@@ -308,10 +310,17 @@ TEST_F(SoundAttacherTest, EveryDoubtfulKindAsksAndNoLeavesNothingBehind) {
     // A WAV is copied in before it is judged; its copy must go again.
     writeFile(in("broken.wav"), QByteArray("RIFF\x10\0\0\0WAVEjunkjunk", 20));
     ASSERT_TRUE(QFile::copy(sample("melody.imy"), in("melody.imy")));
+    // Three seconds of 8 kHz speech cut off after one: it would go to AMR unasked.
+    const QByteArray speech = wavFile(8000, 1, 16, 3000);
+    writeFile(in("cut.wav"), speech.left(16044));
+    // A MIDI header that announces one track and brings none.
+    writeFile(in("empty.mid"), QByteArray("MThd\0\0\0\x06\0\0\0\x01\0\x60", 14));
+    writeFile(in("text.mp3"), "ID3? no: a letter saved under the wrong name\n");
     const QByteArray xmlBefore = xml();
     const QStringList filesBefore = workFiles();
 
-    const QStringList files{"notes.txt", "bare", "broken.wav", "melody.imy"};
+    const QStringList files{"notes.txt", "bare",      "broken.wav", "melody.imy",
+                            "cut.wav",   "empty.mid", "text.mp3"};
     for (const QString& file : files) {
         SCOPED_TRACE(file.toStdString());
         DialogService::queueAnswer(QMessageBox::No);
@@ -332,6 +341,36 @@ TEST_F(SoundAttacherTest, EveryDoubtfulKindAsksAndNoLeavesNothingBehind) {
     EXPECT_TRUE(slide().Sound().endsWith(".imy"));
     EXPECT_EQ(slide().SoundName(), "melody");
     EXPECT_EQ(DialogService::answeredBoxes().size(), files.size() + 2);
+}
+
+TEST_F(SoundAttacherTest, TheSavedMessageTellsEachSoundsKindAndLength) {
+    refuseUnexpectedBoxes();
+    setting("ConvertWavToAmr", "1");
+    writeFile(in("low.wav"), wavFile(11025, 1, 16, 900));
+    writeFile(in("speech.wav"), wavFile(8000, 1, 16, 1250));
+    writeFile(in("tune.xm"), "a tracker module, a kind no phone plays");
+    ASSERT_TRUE(m_attacher.attach(m_in, "low.wav"));
+    ASSERT_TRUE(m_document.appendSlide());
+    ASSERT_TRUE(m_attacher.attach(m_in, "speech.wav"));
+    ASSERT_TRUE(m_document.appendSlide());
+    ASSERT_TRUE(m_document.setSlideDuration(2500));
+    ASSERT_TRUE(DialogService::answeredBoxes().isEmpty());
+    DialogService::clear();
+    DialogService::queueAnswer(QMessageBox::Yes);
+    ASSERT_TRUE(m_attacher.attach(m_in, "tune.xm"));
+
+    const QString file = m_root.path() + "/sounds.mms";
+    ASSERT_TRUE(m_document.saveMessage(file));
+    const ProgramRun info = runProgram(cliProgram(), {"info", file});
+    ASSERT_EQ(info.code, 0) << info.err.toStdString();
+    const QStringList expected{
+        R"(slide 1: duration 900 ms)",  R"(  sound: A\w+\.wav "low" 900 ms)",
+        R"(slide 2: duration 1250 ms)", R"(  sound: A\w+\.amr "speech" 1250 ms)",
+        R"(slide 3: duration 2500 ms)", R"(  sound: A\w+\.xm "tune" 0 ms)"};
+    for (const QString& line : expected)
+        EXPECT_TRUE(info.out.contains(QRegularExpression("(^|\n)" + line + "[,\n]")))
+            << line.toStdString() << "\n"
+            << info.out.toStdString();
 }
 
 TEST_F(SoundAttacherTest, AMissingFileOrNoFileAtAllIsReportedAndChangesNothing) {

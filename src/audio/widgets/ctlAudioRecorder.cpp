@@ -26,6 +26,7 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <cmath>
 
 namespace {
 QString text(const char* key, const char* fallback) {
@@ -47,19 +48,34 @@ QPushButton* named(const char* name) {
     button->setObjectName(QLatin1String(name));
     return button;
 }
+
+// The meter reads in decibels, as the ear hears: -60 dB and below is empty.
+int meterPercent(double fraction) {
+    if (fraction <= 0)
+        return 0;
+    return std::clamp(int(std::lround((20 * std::log10(fraction) + 60) * 100 / 60)), 0, 100);
+}
 } // namespace
 
 ctlAudioRecorder::ctlAudioRecorder(QWidget* parent)
     : QWidget(parent), cboQuality(new QComboBox), txtName(new QLineEdit), lblName(new QLabel),
       lblElapsed(new QLabel), prgTime(new QProgressBar), cmdRecord(named("cmdRecord")),
       cmdStop(named("cmdStop")), cmdPlay(named("cmdPlay")), cmdEdit(named("cmdEdit")),
-      cmdSetup(named("cmdSetup")), cmdSave(named("cmdSave")), cmdOK(named("cmdOK")) {
+      cmdSetup(named("cmdSetup")), cmdInput(named("cmdInput")), prgLevel(new QProgressBar),
+      lblNoInput(new QLabel), cmdSave(named("cmdSave")), cmdOK(named("cmdOK")) {
     setObjectName(QStringLiteral("ctlAudioRecorder"));
     cboQuality->setObjectName(QStringLiteral("cboQuality"));
     txtName->setObjectName(QStringLiteral("txtName"));
     lblElapsed->setObjectName(QStringLiteral("lblElapsed"));
     prgTime->setObjectName(QStringLiteral("prgTime"));
     prgTime->setRange(0, 100);
+    prgLevel->setObjectName(QStringLiteral("prgLevel"));
+    prgLevel->setRange(0, 100);
+    prgLevel->setTextVisible(false);
+    prgLevel->setMaximumHeight(prgTime->sizeHint().height() / 2);
+    lblNoInput->setObjectName(QStringLiteral("lblNoInput"));
+    lblNoInput->setWordWrap(true);
+    cmdInput->setCheckable(true);
     lblName->setBuddy(txtName);
     buildLayout();
     mRecordTimer.setInterval(TimerMs);
@@ -69,6 +85,10 @@ ctlAudioRecorder::ctlAudioRecorder(QWidget* parent)
     connect(cmdPlay, &QPushButton::clicked, this, &ctlAudioRecorder::play);
     connect(cmdEdit, &QPushButton::clicked, this, &ctlAudioRecorder::editRange);
     connect(cmdSetup, &QPushButton::clicked, this, &ctlAudioRecorder::setup);
+    connect(cmdInput, &QPushButton::toggled, this, [this] {
+        showInputState();
+        enableButtons(m_busy);
+    });
     connect(cmdSave, &QPushButton::clicked, this, [this] { save(); });
     connect(cmdOK, &QPushButton::clicked, this, &ctlAudioRecorder::ok);
     connect(cboQuality, &QComboBox::currentIndexChanged, this, [this] {
@@ -93,6 +113,7 @@ void ctlAudioRecorder::buildLayout() {
     buttons->addStretch();
     auto* keep = new QHBoxLayout;
     keep->addWidget(cmdSetup);
+    keep->addWidget(cmdInput);
     keep->addStretch();
     keep->addWidget(cmdSave);
     keep->addWidget(cmdOK);
@@ -101,10 +122,12 @@ void ctlAudioRecorder::buildLayout() {
     layout->addLayout(buttons, 1, 0, 1, 2);
     layout->addWidget(prgTime, 2, 0);
     layout->addWidget(lblElapsed, 2, 1);
-    layout->addWidget(lblName, 3, 0, 1, 2);
-    layout->addWidget(txtName, 4, 0, 1, 2);
-    layout->addLayout(keep, 5, 0, 1, 2);
-    layout->setRowStretch(6, 1);
+    layout->addWidget(prgLevel, 3, 0);
+    layout->addWidget(lblNoInput, 4, 0, 1, 2);
+    layout->addWidget(lblName, 5, 0, 1, 2);
+    layout->addWidget(txtName, 6, 0, 1, 2);
+    layout->addLayout(keep, 7, 0, 1, 2);
+    layout->setRowStretch(8, 1);
 }
 
 void ctlAudioRecorder::TranslateControl() {
@@ -117,11 +140,16 @@ void ctlAudioRecorder::TranslateControl() {
     cmdOK->setText(text("BTN_OK", "OK"));
     cmdSetup->setText(text("STR_REC_SETUP", "Se&tup..."));
     cmdSetup->setToolTip(text("STR_REC_SETUP_TIP", "Choose and level the sound input"));
+    cmdInput->setText(text("BTN_INPUT", "Input"));
+    cmdInput->setToolTip(text("STR_REC_FROM_PLAYER", "Record what the computer plays"));
+    cmdInput->setAccessibleDescription(cmdInput->toolTip());
+    prgLevel->setAccessibleName(text("STR_REC_LEVEL", "Input level"));
     FieldLabel::setCaption(lblName, text("STR_NAME", "Name"));
     cboQuality->setAccessibleName(text("STR_QUALITY", "Quality"));
     prgTime->setAccessibleName(text("STR_REC_TIME", "Recording time"));
-    // The window's translation blanks every named label; the time is shown again.
+    // The window's translation blanks every named label; they are shown again.
     showElapsed();
+    showInputState();
 }
 
 // Entries 1 and 2 always record the built-in preset; an entry whose MP3
@@ -186,6 +214,7 @@ void ctlAudioRecorder::record() {
     if (txtName->text().trimmed().isEmpty())
         txtName->setText(QStringLiteral("R_") +
                          Clock::instance().now().toString(QStringLiteral("yyMMdd_HHmmss")));
+    Mci::instance().backend().setRecordingInput(chosenInput());
     if (failed(m_session.StartRecording(selectedPreset(), m_maxMs)))
         return;
     m_elapsed = 0;
@@ -218,6 +247,7 @@ void ctlAudioRecorder::mRecordTimer_Timer() {
         m_elapsed += TimerMs;
         if (m_elapsed <= m_maxMs)
             prgTime->setValue(int(m_elapsed * 100 / m_maxMs));
+        showLevel();
     } else if (mode == QLatin1String("playing")) {
         m_elapsed += TimerMs;
         prgTime->setValue(m_lengthMs > 0 ? int(std::min<qint64>(100, m_elapsed * 100 / m_lengthMs))
@@ -232,6 +262,7 @@ void ctlAudioRecorder::mRecordTimer_Timer() {
 void ctlAudioRecorder::showStopped() {
     mRecordTimer.stop();
     prgTime->setValue(0);
+    prgLevel->setValue(0);
     m_elapsed = 0;
     showElapsed();
     enableButtons(false);
@@ -241,12 +272,34 @@ void ctlAudioRecorder::showElapsed() {
     lblElapsed->setText(VbFormat::seconds(m_elapsed));
 }
 
+void ctlAudioRecorder::showLevel() {
+    prgLevel->setValue(meterPercent(m_session.Level(selectedPreset().bitsPerSample)));
+}
+
 void ctlAudioRecorder::enableButtons(bool busy) {
-    cmdRecord->setEnabled(!busy);
+    m_busy = busy;
+    cmdRecord->setEnabled(!busy && canRecord());
     cmdStop->setEnabled(busy);
     for (QPushButton* button : {cmdPlay, cmdEdit, cmdSave, cmdOK})
         button->setEnabled(!busy && m_exists);
     cboQuality->setEnabled(!busy);
+    cmdInput->setEnabled(!busy && Mci::instance().backend().hasInput(RecordingInput::Playback));
+}
+
+RecordingInput ctlAudioRecorder::chosenInput() const {
+    return cmdInput->isChecked() ? RecordingInput::Playback : RecordingInput::Microphone;
+}
+
+bool ctlAudioRecorder::canRecord() const {
+    return Mci::instance().backend().hasInput(chosenInput());
+}
+
+// Without a sound device the recorder says so rather than failing on Record.
+void ctlAudioRecorder::showInputState() {
+    lblNoInput->setText(canRecord() ? QString()
+                                    : text("STR_NO_SOUND_INPUT",
+                                           "No sound device is present: nothing can be recorded."));
+    lblNoInput->setVisible(!canRecord());
 }
 
 // A name of the user's: spaces become "_", and it must be a plain file name.

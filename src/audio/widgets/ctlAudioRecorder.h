@@ -5,6 +5,8 @@
 #include "RecorderSession.h"
 #include "clsRunPgm.h"
 
+#include "AudioBackend.h"
+
 #include <QTimer>
 #include <QWidget>
 
@@ -18,7 +20,9 @@ class QPushButton;
 // qualities, plays it back, lets the part to keep be chosen in the audio
 // editor, and saves it under a name as WAV, MP3 or AMR into a folder the
 // main window gives; OK saves and hands the file to the main window. The
-// device is driven by the media commands under the alias "mysound".
+// device is driven by the media commands under the alias "mysound". Input
+// records what the computer plays instead of the microphone, and a meter
+// shows the input's level while recording.
 class ctlAudioRecorder : public QWidget {
     Q_OBJECT
 public:
@@ -66,6 +70,10 @@ private:
     void showStopped();
     void showElapsed();
     void enableButtons(bool busy);
+    RecordingInput chosenInput() const;
+    bool canRecord() const;
+    void showInputState();
+    void showLevel();
     bool failed(int error);
     void inform(const QString& text);
 
@@ -80,6 +88,9 @@ private:
     QPushButton* cmdPlay;
     QPushButton* cmdEdit;
     QPushButton* cmdSetup;
+    QPushButton* cmdInput;
+    QProgressBar* prgLevel;
+    QLabel* lblNoInput;
     QPushButton* cmdSave;
     QPushButton* cmdOK;
     QTimer mRecordTimer;
@@ -94,4 +105,5 @@ private:
     qint64 m_endMs = -1;
     bool m_unsaved = false;
     bool m_exists = false;
+    bool m_busy = false;
 };
