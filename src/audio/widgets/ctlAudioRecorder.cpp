@@ -140,7 +140,7 @@ void ctlAudioRecorder::TranslateControl() {
     cmdOK->setText(text("BTN_OK", "OK"));
     cmdSetup->setText(text("STR_REC_SETUP", "Se&tup..."));
     cmdSetup->setToolTip(text("STR_REC_SETUP_TIP", "Choose and level the sound input"));
-    cmdInput->setText(text("BTN_INPUT", "Input"));
+    cmdInput->setText(text("BTN_INPUT", "&Input"));
     cmdInput->setToolTip(text("STR_REC_FROM_PLAYER", "Record what the computer plays"));
     cmdInput->setAccessibleDescription(cmdInput->toolTip());
     prgLevel->setAccessibleName(text("STR_REC_LEVEL", "Input level"));
@@ -294,12 +294,18 @@ bool ctlAudioRecorder::canRecord() const {
     return Mci::instance().backend().hasInput(chosenInput());
 }
 
-// Without a sound device the recorder says so rather than failing on Record.
+// Without a sound device the recorder says so rather than failing on Record,
+// and without a microphone it points to what can still be recorded.
 void ctlAudioRecorder::showInputState() {
-    lblNoInput->setText(canRecord() ? QString()
-                                    : text("STR_NO_SOUND_INPUT",
-                                           "No sound device is present: nothing can be recorded."));
-    lblNoInput->setVisible(!canRecord());
+    const AudioBackend& card = Mci::instance().backend();
+    QString notice;
+    if (!card.hasInput(RecordingInput::Playback) && !card.hasInput(RecordingInput::Microphone))
+        notice = text("STR_NO_SOUND_INPUT", "No sound device is present: nothing can be recorded.");
+    else if (!canRecord())
+        notice = text("STR_NO_MICROPHONE",
+                      "No microphone is present. Input records what the computer plays.");
+    lblNoInput->setText(notice);
+    lblNoInput->setVisible(!notice.isEmpty());
 }
 
 // A name of the user's: spaces become "_", and it must be a plain file name.
