@@ -104,6 +104,11 @@ QFont SlideRenderer::fontOf(const DrawObjectProperties& p) {
 }
 
 QSize SlideRenderer::surfaceFromSettings() {
+    // A size the user chose ("176x144") wins over the phone's ("Auto").
+    const QStringList chosen =
+        AppGlobals::setting("preferences", "MmsImageSize", "Auto").split(u'x');
+    if (chosen.size() == 2 && chosen[0].toInt() > 0 && chosen[1].toInt() > 0)
+        return QSize(chosen[0].toInt(), chosen[1].toInt());
     const QStringList fields =
         AppGlobals::setting("preferences", "PhoneImageSize", "160,120,0").split(',');
     const int width = fields.value(0).toInt();

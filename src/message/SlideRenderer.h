@@ -47,7 +47,8 @@ public:
     // A stored alignment (0 left, 1 right, 2 centred) as Qt's; left for any other.
     static Qt::Alignment alignmentOf(int stored);
 
-    // The surface size of "PhoneImageSize" ("160,120,0" gives 160 x 120).
+    // The surface size: "MmsImageSize" when it names one ("176x144"), else
+    // the phone's, "PhoneImageSize" ("160,120,0" gives 160 x 120).
     static QSize surfaceFromSettings();
 
 private:

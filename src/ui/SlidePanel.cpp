@@ -2,6 +2,7 @@
 
 #include "AppGlobals.h"
 #include "FieldLabel.h"
+#include "PreviewClock.h"
 #include "VbFormat.h"
 #include "clsMessage.h"
 #include "ctlSlideTime.h"
@@ -9,6 +10,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -18,8 +20,8 @@ SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
       m_time(new ctlSlideTime(this)), lblText(FieldLabel::create(txtMessage, this)),
       lblSlideTime(FieldLabel::create(m_time, this)), lblTotal(new QLabel(this)),
       lblTime(new QLabel(this)), lblSound(new QLabel(this)), cmdPlaySound(new QPushButton(this)),
-      cmdAddNewSlide(new QPushButton(this)), cmdDuplicateSlide(new QPushButton(this)),
-      cmdDeleteSlide(new QPushButton(this)) {
+      cmdPreview(new QPushButton(this)), cmdAddNewSlide(new QPushButton(this)),
+      cmdDuplicateSlide(new QPushButton(this)), cmdDeleteSlide(new QPushButton(this)) {
     txtMessage->setObjectName(QStringLiteral("txtMessage"));
     txtMessage->setTabChangesFocus(true);
     txtMessage->setMaximumHeight(fontMetrics().lineSpacing() * 4);
@@ -27,6 +29,8 @@ SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
     lblSound->setObjectName(QStringLiteral("lblSound"));
     cmdPlaySound->setObjectName(QStringLiteral("cmdPlaySound"));
     cmdPlaySound->setEnabled(false);
+    cmdPreview->setObjectName(QStringLiteral("cmdPreview"));
+    cmdPreview->setIcon(QIcon::fromTheme(QStringLiteral("media-playback-start")));
     cmdAddNewSlide->setObjectName(QStringLiteral("cmdAddNewSlide"));
     cmdDuplicateSlide->setObjectName(QStringLiteral("cmdDuplicateSlide"));
     cmdDeleteSlide->setObjectName(QStringLiteral("cmdDeleteSlide"));
@@ -42,6 +46,7 @@ SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
     connect(cmdDuplicateSlide, &QPushButton::clicked, this, &SlidePanel::duplicateClicked);
     connect(cmdDeleteSlide, &QPushButton::clicked, this, &SlidePanel::deleteClicked);
     connect(cmdPlaySound, &QPushButton::clicked, this, &SlidePanel::playSoundClicked);
+    connect(cmdPreview, &QPushButton::clicked, this, &SlidePanel::previewClicked);
     TranslateForm();
 }
 
@@ -54,6 +59,7 @@ void SlidePanel::buildLayout() {
     auto* total = new QHBoxLayout;
     total->addWidget(lblTotal);
     total->addWidget(lblTime);
+    total->addWidget(cmdPreview);
     fields->addLayout(total, 1, 2);
     fields->setColumnStretch(3, 1);
     // The sound has a row of its own, so a long name never narrows the slide.
@@ -81,6 +87,7 @@ void SlidePanel::TranslateForm() {
     cmdDuplicateSlide->setText(AppGlobals::text("MNU_SLIDE_DUPLICATE", "Duplicate"));
     cmdDeleteSlide->setText(AppGlobals::text("BTN_DELETE", "Delete"));
     setSoundPlaying(m_soundPlaying);
+    setPreviewPlaying(m_previewPlaying);
     lblTotal->setText(AppGlobals::text("STR_TOTAL_TIME", "Total time") + u':');
     lblSound->setAccessibleDescription(AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
 }
@@ -91,6 +98,8 @@ void SlidePanel::showSlide(const clsMessage* message, int slide) {
         txtMessage->clear();
         lblSound->clear();
         cmdPlaySound->setEnabled(false);
+        cmdPreview->setObjectName(QStringLiteral("cmdPreview"));
+        cmdPreview->setIcon(QIcon::fromTheme(QStringLiteral("media-playback-start")));
         m_showing = false;
         return;
     }
@@ -115,8 +124,23 @@ void SlidePanel::setSoundPlaying(bool playing) {
                                             : AppGlobals::text("STR_PLAY_SOUND", "Play the sound"));
 }
 
+void SlidePanel::setPreviewPlaying(bool playing) {
+    m_previewPlaying = playing;
+    cmdPreview->setText(playing ? AppGlobals::text("STR_STOP", "Stop")
+                                : AppGlobals::text("STR_PLAY", "Play"));
+    cmdPreview->setIcon(QIcon::fromTheme(playing ? QStringLiteral("media-playback-stop")
+                                                 : QStringLiteral("media-playback-start")));
+    cmdPreview->setAccessibleName(playing
+                                      ? AppGlobals::text("STR_PREVIEW_STOP", "Stop the message")
+                                      : AppGlobals::text("STR_PREVIEW_PLAY", "Play the message"));
+}
+
 void SlidePanel::showTotal(qint64 ms) {
     lblTime->setText(VbFormat::seconds(ms));
+}
+
+void SlidePanel::showPlayTime(qint64 elapsedMs, qint64 totalMs) {
+    lblTime->setText(PreviewClock::timeText(elapsedMs, totalMs));
 }
 
 void SlidePanel::setTimeFormat(const QString& format) {

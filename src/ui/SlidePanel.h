@@ -21,6 +21,10 @@ public:
     // Shows slide (1-based) of message; nothing for none.
     void showSlide(const clsMessage* message, int slide);
     void showTotal(qint64 ms);
+    // While the message plays: the time played and the whole, "#0.0/#0.0".
+    void showPlayTime(qint64 elapsedMs, qint64 totalMs);
+    // The play button of the message shows Stop while the message plays.
+    void setPreviewPlaying(bool playing);
     void setTimeFormat(const QString& format);
     void setSlideButtonsEnabled(bool enabled);
     // The play button beside the sound shows Stop while the sound plays.
@@ -37,6 +41,7 @@ signals:
     void duplicateClicked();
     void deleteClicked();
     void playSoundClicked();
+    void previewClicked();
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -53,9 +58,11 @@ private:
     QLabel* lblTime;
     QLabel* lblSound;
     QPushButton* cmdPlaySound;
+    QPushButton* cmdPreview;
     QPushButton* cmdAddNewSlide;
     QPushButton* cmdDuplicateSlide;
     QPushButton* cmdDeleteSlide;
     bool m_showing = false;
     bool m_soundPlaying = false;
+    bool m_previewPlaying = false;
 };

@@ -166,6 +166,7 @@ QString ctlMainMenu::slideDescriptor() const {
            item("MNU_SLIDE_MOVE_DOWN", "Move down", MoveSlideDown) + ",-," +
            item("MNU_SLIDE_BACKGROUND", "Background", Background) + ",-," +
            item("MNU_SLIDE_PREVIEW", "Preview", Preview) + u',' +
+           item("MNU_SLIDE_SHOW_PREVIEW", "Preview window", ShowPreview) + u',' +
            item("MNU_SLIDE_DOWNLOAD_PICTURE", "Send picture", DownloadPicture);
 }
 

@@ -42,6 +42,7 @@ public:
         Background = 23,
         Preview = 24,
         DownloadPicture = 25,
+        ShowPreview = 26,
         Help = 27,
         About = 28,
         Undo = 29,

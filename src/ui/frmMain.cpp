@@ -5,6 +5,7 @@
 #include "EventPump.h"
 #include "FileCommands.h"
 #include "MessageDocument.h"
+#include "PreviewController.h"
 #include "SlideCommands.h"
 #include "SlidePanel.h"
 #include "SlideRenderer.h"
@@ -24,6 +25,7 @@
 #include "ctlSlideThumbs.h"
 #include "frmHelp.h"
 #include "frmPictureBrowser.h"
+#include "frmPreview.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -38,10 +40,9 @@
 
 namespace {
 // Commands whose windows are not built yet: shown, but not offered.
-const int kNotYetOffered[] = {ctlMainMenu::Import,         ctlMainMenu::Export,
-                              ctlMainMenu::Info,           ctlMainMenu::Settings,
-                              ctlMainMenu::Background,     ctlMainMenu::Preview,
-                              ctlMainMenu::DownloadPicture};
+const int kNotYetOffered[] = {ctlMainMenu::Import,     ctlMainMenu::Export,
+                              ctlMainMenu::Info,       ctlMainMenu::Settings,
+                              ctlMainMenu::Background, ctlMainMenu::DownloadPicture};
 
 QString text(const char* key, const char* fallback) {
     return AppGlobals::text(key, fallback);
@@ -64,9 +65,12 @@ frmMain::frmMain(QWidget* parent)
     m_slides = new SlideCommands(*m_document, this);
     m_files = new FileCommands(*m_document, m_menu->recentFiles(), this);
     buildWindow();
+    m_previewer = new PreviewController(
+        {this, m_document, &m_manager, m_editor, m_panel, m_menu, m_thumbs}, this);
     connectDocument();
     connectControls();
     connectEditor();
+    connectPreview();
     TimerExitWait.setSingleShot(true);
     TimerExitWait.setInterval(0);
     connect(&TimerExitWait, &QTimer::timeout, this, &QWidget::close);
@@ -75,6 +79,7 @@ frmMain::frmMain(QWidget* parent)
     m_panel->setTimeFormat(AppGlobals::setting("preferences", "MMSTimeFormat", "ms"));
     m_tools->applySettings();
     restorePosition();
+    m_previewer->applySettings();
     TranslateForm();
     m_document->newMessage();
 }
@@ -169,6 +174,20 @@ void frmMain::connectControls() {
     });
 }
 
+void frmMain::connectPreview() {
+    connect(m_panel, &SlidePanel::previewClicked, m_previewer, &PreviewController::togglePlaying);
+    connect(m_previewer, &PreviewController::slideSizeChanged, this, &frmMain::applySlideSize);
+    // Sending a slide picture comes with the send dialogs.
+    m_previewer->preview()->setDownloadPictureEnabled(false);
+}
+
+// The editor, the strip and the preview take a new slide picture size.
+void frmMain::applySlideSize(QSize size) {
+    m_editor->SaveDrawObjects();
+    m_editor->SetSurfaceSize(size);
+    onSlidesChanged();
+}
+
 void frmMain::connectEditor() {
     connect(m_editor, &ctlPictureEditor::addTextRequested, m_editor, &ctlPictureEditor::AddText);
     connect(m_editor, &ctlPictureEditor::soundDropped, this,
@@ -249,7 +268,7 @@ void frmMain::onMenuClick(int number) {
         return;
     switch (number) {
     case ctlMainMenu::New:
-        m_files->newMessage();
+        newMessage();
         break;
     case ctlMainMenu::Open:
         m_files->openDialog();
@@ -272,6 +291,12 @@ void frmMain::onMenuClick(int number) {
     case ctlMainMenu::About:
         showAbout();
         break;
+    case ctlMainMenu::Preview:
+        m_previewer->togglePlaying();
+        break;
+    case ctlMainMenu::ShowPreview:
+        m_previewer->showPreview();
+        break;
     case ctlMainMenu::Undo:
         m_document->undoStack().undo();
         break;
@@ -281,6 +306,17 @@ void frmMain::onMenuClick(int number) {
     default:
         break;
     }
+}
+
+// A new message is refused while the message plays.
+void frmMain::newMessage() {
+    if (m_previewer->isPlaying()) {
+        DialogService::messageBox(
+            this, text("STR_PREVIEW_PLAYING", "The preview is playing. Stop it first."),
+            text("STR_PREVIEW_PLAYER", "Preview"), QMessageBox::Ok, QMessageBox::Information);
+        return;
+    }
+    m_files->newMessage();
 }
 
 void frmMain::onSlidesChanged() {
@@ -304,6 +340,7 @@ void frmMain::showSlide(int slide) {
     m_thumbs->SelectSlide(slide);
     m_panel->showSlide(m_document->message(), slide);
     m_editor->LoadDrawObjects();
+    m_previewer->showCurrentSlide();
     showStatus();
 }
 
@@ -342,6 +379,7 @@ void frmMain::TranslateForm() {
     m_editor->TranslateControl();
     m_textPanel->TranslateControl();
     m_tools->TranslateControl();
+    m_previewer->TranslateForm();
     if (mFrmPictureBrowser)
         mFrmPictureBrowser->TranslateControl();
     if (auto* strip = findChild<QDockWidget*>("dockSlides"))
@@ -421,6 +459,10 @@ void frmMain::keepSettings() {
     settings->SetProp("preferences", "MainPosition",
                       QString::number(x()) + u';' + QString::number(y()));
     m_menu->recentFiles().save(*settings);
+    if (m_previewer->preview()->isVisible() && m_previewer->preview()->isFloating())
+        settings->SetProp("preferences", "PreviewPosition",
+                          QString::number(m_previewer->preview()->x()) + u';' +
+                              QString::number(m_previewer->preview()->y()));
     m_tools->keepSettings(*settings);
     settings->SaveXmlFile();
 }

@@ -10,6 +10,7 @@
 
 class FileCommands;
 class MessageDocument;
+class PreviewController;
 class QLabel;
 class QProgressBar;
 class SlideCommands;
@@ -56,6 +57,7 @@ public:
     frmPictureBrowser* pictureBrowser();
     void showPictureBrowser();
     FileCommands* fileCommands() const { return m_files; }
+    PreviewController* previewer() const { return m_previewer; }
 
     static QString applicationTitle() { return QStringLiteral("Vellumo"); }
 
@@ -70,6 +72,9 @@ private:
     void putOnSlide(int thumbType, const QString& path);
     void mFrmPictureBrowser_AddPicture(const QString& file);
     void playSlideSound();
+    void connectPreview();
+    void newMessage();
+    void applySlideSize(QSize size);
     void connectDocument();
     void connectControls();
     void onMenuClick(int number);
@@ -97,6 +102,7 @@ private:
     SlideSoundPlayer* m_soundPlayer;
     SlideCommands* m_slides;
     FileCommands* m_files;
+    PreviewController* m_previewer = nullptr;
     QLabel* m_status;
     QProgressBar* m_progress;
     QTimer TimerExitWait;

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QImage>
+#include <QPixmap>
+#include <QWidget>
+
+// The phone picture with the slide drawn into its screen rectangle: fill
+// mode 0 stretches the slide over the rectangle; any other mode draws it at
+// its own size, centred where it is smaller and from the rectangle's corner
+// where it is larger (never shrunk, and never over the phone around it).
+// Without a phone picture the slide is shown on its own.
+class PhoneView : public QWidget {
+    Q_OBJECT
+public:
+    explicit PhoneView(QWidget* parent = nullptr);
+
+    void setPhone(const QPixmap& phone, const QRect& screen, int fillMode);
+    void setSlide(const QImage& slide);
+    // Where the slide lands, in the view's coordinates.
+    QRect slideRect() const;
+    QSize sizeHint() const override;
+
+signals:
+    void contextMenuRequested(const QPoint& globalPos);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+
+private:
+    QPoint phoneOrigin() const;
+    QSize contentSize() const;
+
+    QPixmap m_phone;
+    QRect m_screen;
+    int m_fillMode = 1;
+    QImage m_slide;
+};

@@ -1,0 +1,209 @@
+#include "frmPreview.h"
+
+#include "AppGlobals.h"
+#include "PhoneView.h"
+#include "PreviewClock.h"
+#include "clsPopupMenu.h"
+#include "clsPropertiesXML.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QPushButton>
+#include <QScreen>
+#include <QShortcut>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+QString text(const char* key, const char* fallback) {
+    return AppGlobals::text(key, fallback);
+}
+
+enum PhoneMenu { DownloadPicture = 1, Loop = 2 };
+
+QString sizeText(QSize size) {
+    return QString::number(size.width()) + u'x' + QString::number(size.height());
+}
+} // namespace
+
+frmPreview::frmPreview(QWidget* parent)
+    : QDockWidget(parent), picPhone(new PhoneView), lblText(new QLabel), cmdPlay(new QPushButton),
+      lblTime(new QLabel), lblSlideImageSize(new QLabel), cmdImgSize(new QToolButton),
+      lstImgSizes(new QMenu(this)), m_sizeRow(new QWidget) {
+    setObjectName(QStringLiteral("frmPreview"));
+    lblText->setObjectName(QStringLiteral("lblText"));
+    cmdPlay->setObjectName(QStringLiteral("cmdPlay"));
+    lblTime->setObjectName(QStringLiteral("lblTime"));
+    lblSlideImageSize->setObjectName(QStringLiteral("lblSlideImageSize"));
+    cmdImgSize->setObjectName(QStringLiteral("cmdImgSize"));
+    lstImgSizes->setObjectName(QStringLiteral("lstImgSizes"));
+    lblText->setWordWrap(true);
+    lblText->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    cmdImgSize->setMenu(lstImgSizes);
+    cmdImgSize->setPopupMode(QToolButton::InstantPopup);
+    auto* content = new QWidget;
+    buildLayout(content);
+    setWidget(content);
+    connect(cmdPlay, &QPushButton::clicked, this,
+            [this] { m_playing ? emit StopPlayer() : emit StartPlayer(); });
+    connect(picPhone, &PhoneView::contextMenuRequested, this, &frmPreview::showPhoneMenu);
+    connect(this, &QDockWidget::topLevelChanged, this,
+            [this](bool floating) { emit Dock(!floating); });
+    for (const QKeySequence& keys :
+         {QKeySequence(Qt::Key_Escape), QKeySequence(Qt::ALT | Qt::Key_F4)})
+        connect(new QShortcut(keys, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
+                &QShortcut::activated, this, &QWidget::close);
+    TranslateForm();
+    DisplayPreviewTime(0, 0);
+}
+
+void frmPreview::buildLayout(QWidget* content) {
+    auto* play = new QHBoxLayout;
+    play->addWidget(cmdPlay);
+    play->addWidget(lblTime, 1);
+    auto* sizes = new QHBoxLayout(m_sizeRow);
+    sizes->setContentsMargins(0, 0, 0, 0);
+    sizes->addWidget(lblSlideImageSize, 1);
+    sizes->addWidget(cmdImgSize);
+    auto* layout = new QVBoxLayout(content);
+    layout->addWidget(picPhone, 0, Qt::AlignHCenter);
+    layout->addWidget(lblText);
+    layout->addLayout(play);
+    layout->addWidget(m_sizeRow);
+    layout->addStretch(1);
+}
+
+void frmPreview::TranslateForm() {
+    setWindowTitle(text("STR_PREVIEW_TITLE", "Preview"));
+    cmdPlay->setText(m_playing ? text("STR_STOP", "Stop") : text("STR_PLAY", "Play"));
+    cmdPlay->setAccessibleName(m_playing ? text("STR_PREVIEW_STOP", "Stop the message")
+                                         : text("STR_PREVIEW_PLAY", "Play the message"));
+    cmdImgSize->setText(text("STR_SLIDE_IMAGE_SIZE", "Picture size"));
+    cmdImgSize->setAccessibleName(cmdImgSize->text());
+    picPhone->setAccessibleName(text("STR_PREVIEW_PHONE", "The slide on the phone"));
+    lblTime->setAccessibleName(text("STR_PREVIEW_TIME", "Time played"));
+    lblText->setAccessibleName(text("STR_PREVIEW_TEXT", "Slide text"));
+    fillSizes();
+}
+
+void frmPreview::InitPreview(const PhoneSkin& skin) {
+    const QPixmap phone(skin.phonePicture);
+    picPhone->setPhone(phone, skin.screen, skin.fillMode);
+}
+
+void frmPreview::SetSlideImageSize(int width, int height) {
+    m_slideSize = QSize(width, height);
+    lblSlideImageSize->setText(sizeText(m_slideSize));
+    for (QAction* action : lstImgSizes->actions())
+        action->setChecked(action->data().toString() == sizeText(m_slideSize));
+}
+
+// "Auto" lets the slide follow the phone; it is shown but changes nothing.
+void frmPreview::fillSizes() {
+    lstImgSizes->clear();
+    const QStringList entries =
+        AppGlobals::setting("preferences", "MmsImageSizes", "Auto").split(u';', Qt::SkipEmptyParts);
+    for (const QString& entry : entries) {
+        QAction* action = lstImgSizes->addAction(
+            entry == QLatin1String("Auto") ? text("STR_AUTO_SIZE", "Auto") : entry);
+        action->setData(entry);
+        action->setCheckable(true);
+        action->setChecked(entry == sizeText(m_slideSize));
+        connect(action, &QAction::triggered, this, [this, entry] { chooseSize(entry); });
+    }
+}
+
+void frmPreview::chooseSize(const QString& entry) {
+    const QStringList parts = entry.split(u'x');
+    const int width = parts.value(0).toInt();
+    const int height = parts.value(1).toInt();
+    if (parts.size() == 2 && width > 0 && height > 0)
+        emit SlidePictureSizeChanged(width, height);
+    SetSlideImageSize(m_slideSize.width(), m_slideSize.height());
+}
+
+void frmPreview::DockPreview(bool dock) {
+    setFloating(!dock || !m_dockingEnabled);
+}
+
+void frmPreview::setDockingEnabled(bool enabled) {
+    m_dockingEnabled = enabled;
+    setAllowedAreas(enabled ? Qt::LeftDockWidgetArea | Qt::RightDockWidgetArea
+                            : Qt::NoDockWidgetArea);
+    if (!enabled)
+        setFloating(true);
+}
+
+void frmPreview::SetPreviewPicture(const QImage& picture) {
+    picPhone->setSlide(picture);
+}
+
+void frmPreview::SetPreviewPictureFile(const QString& path) {
+    picPhone->setSlide(QImage(path));
+}
+
+void frmPreview::SetPreviewSlideText(const QString& text) {
+    lblText->setText(text);
+    picPhone->setAccessibleDescription(text);
+}
+
+void frmPreview::PlayerStarted() {
+    m_playing = true;
+    lstImgSizes->hide();
+    m_sizeRow->hide();
+    TranslateForm();
+}
+
+void frmPreview::PlayerStopped() {
+    m_playing = false;
+    m_sizeRow->show();
+    TranslateForm();
+}
+
+void frmPreview::DisplayPreviewTime(qint64 elapsedMs, qint64 totalMs) {
+    lblTime->setText(PreviewClock::timeText(elapsedMs, totalMs));
+}
+
+QString frmPreview::phoneMenuDescriptor() const {
+    const bool loop = AppGlobals::setting("preferences", "PreviewLoop", "0") == QLatin1String("1");
+    return QString(m_downloadEnabled ? "" : "!") +
+           text("MNU_SLIDE_DOWNLOAD_PICTURE", "Send picture") + u';' +
+           QString::number(DownloadPicture) + u',' + QString(loop ? "#" : "") +
+           text("STR_PREVIEW_LOOP", "Loop") + u';' + QString::number(Loop);
+}
+
+void frmPreview::showPhoneMenu(const QPoint& globalPos) {
+    lstImgSizes->hide();
+    const int command =
+        clsPopupMenu(this).PopupStringXY(phoneMenuDescriptor(), globalPos.x(), globalPos.y());
+    if (command == DownloadPicture)
+        emit ShowDownloadPicture();
+    if (command != Loop)
+        return;
+    clsPropertiesXML* settings = AppGlobals::settings();
+    const bool loop = settings->GetProp("preferences", "PreviewLoop", "0") == QLatin1String("1");
+    settings->SetProp("preferences", "PreviewLoop", loop ? "0" : "1");
+}
+
+void frmPreview::restorePosition() {
+    const QStringList position =
+        AppGlobals::setting("preferences", "PreviewPosition", "-1;-1").split(u';');
+    const QPoint place(position.value(0).toInt(), position.value(1).toInt());
+    if (place.x() <= 0 || place.y() <= 0)
+        return;
+    const QScreen* screen = QGuiApplication::screenAt(place);
+    if (screen && screen->availableGeometry().contains(QRect(place, frameGeometry().size())))
+        move(place);
+}
+
+void frmPreview::closeEvent(QCloseEvent* event) {
+    if (isFloating())
+        if (clsPropertiesXML* settings = AppGlobals::settings())
+            settings->SetProp("preferences", "PreviewPosition",
+                              QString::number(x()) + u';' + QString::number(y()));
+    QDockWidget::closeEvent(event);
+    emit ClosePreview();
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "PhoneSkin.h"
+
+#include <QDockWidget>
+
+class PhoneView;
+class QLabel;
+class QMenu;
+class QPushButton;
+class QToolButton;
+
+// The message as it looks on a phone: the slide's picture in the phone's
+// screen, its text under it, the play time, and the chooser of the slide
+// picture size. It docks beside the main window or floats; the main window
+// drives it and answers its events.
+class frmPreview : public QDockWidget {
+    Q_OBJECT
+public:
+    explicit frmPreview(QWidget* parent = nullptr);
+
+    void TranslateForm();
+    void InitPreview(const PhoneSkin& skin);
+    void SetSlideImageSize(int width, int height);
+    void DockPreview(bool dock);
+    void setDockingEnabled(bool enabled);
+    bool DockingEnabled() const { return m_dockingEnabled; }
+    void SetPreviewPicture(const QImage& picture);
+    void SetPreviewPictureFile(const QString& path);
+    void SetPreviewSlideText(const QString& text);
+    void PlayerStarted();
+    void PlayerStopped();
+    void DisplayPreviewTime(qint64 elapsedMs, qint64 totalMs);
+    // Puts a floating preview where "PreviewPosition" says, when it fits a screen.
+    void restorePosition();
+    // Whether the phone's menu offers to send the slide picture.
+    void setDownloadPictureEnabled(bool enabled) { m_downloadEnabled = enabled; }
+    PhoneView* phone() const { return picPhone; }
+
+signals:
+    void ShowDownloadPicture();
+    void Dock(bool docked);
+    void StartPlayer();
+    void StopPlayer();
+    void ClosePreview();
+    void SlidePictureSizeChanged(int width, int height);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void buildLayout(QWidget* content);
+    void fillSizes();
+    void chooseSize(const QString& entry);
+    void showPhoneMenu(const QPoint& globalPos);
+    QString phoneMenuDescriptor() const;
+
+    PhoneView* picPhone;
+    QLabel* lblText;
+    QPushButton* cmdPlay;
+    QLabel* lblTime;
+    QLabel* lblSlideImageSize;
+    QToolButton* cmdImgSize;
+    QMenu* lstImgSizes;
+    QWidget* m_sizeRow;
+    QSize m_slideSize{160, 120};
+    bool m_playing = false;
+    bool m_dockingEnabled = true;
+    bool m_downloadEnabled = true;
+};
