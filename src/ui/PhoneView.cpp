@@ -6,6 +6,8 @@
 PhoneView::PhoneView(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("picPhone"));
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    // Focus lets the menu key open the phone's menu.
+    setFocusPolicy(Qt::StrongFocus);
 }
 
 void PhoneView::setPhone(const QPixmap& phone, const QRect& screen, int fillMode) {

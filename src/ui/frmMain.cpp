@@ -79,7 +79,9 @@ frmMain::frmMain(QWidget* parent)
     m_panel->setTimeFormat(AppGlobals::setting("preferences", "MMSTimeFormat", "ms"));
     m_tools->applySettings();
     restorePosition();
+    // The skin's phone may bring its own slide picture size.
     m_previewer->applySettings();
+    m_editor->SetSurfaceSize(SlideRenderer::surfaceFromSettings());
     TranslateForm();
     m_document->newMessage();
 }
