@@ -5,7 +5,7 @@
 
 PhoneView::PhoneView(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("picPhone"));
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     // Focus lets the menu key open the phone's menu.
     setFocusPolicy(Qt::StrongFocus);
 }
@@ -32,35 +32,56 @@ QSize PhoneView::sizeHint() const {
     return contentSize().expandedTo(QSize(160, 120));
 }
 
-QPoint PhoneView::phoneOrigin() const {
+QSize PhoneView::minimumSizeHint() const {
+    return sizeHint() / 3;
+}
+
+// A phone taller or wider than the room it has is shown smaller as a whole,
+// never larger.
+qreal PhoneView::scale() const {
     const QSize content = contentSize();
-    return QPoint(std::max(0, (width() - content.width()) / 2),
-                  std::max(0, (height() - content.height()) / 2));
+    if (content.isEmpty())
+        return 1;
+    return std::min(
+        {qreal(1), qreal(width()) / content.width(), qreal(height()) / content.height()});
+}
+
+QPoint PhoneView::phoneOrigin() const {
+    const QSizeF content = QSizeF(contentSize()) * scale();
+    return QPoint(std::max(0, int((width() - content.width()) / 2)),
+                  std::max(0, int((height() - content.height()) / 2)));
+}
+
+// In the phone's own pixels, before any scaling.
+QRect PhoneView::slideRectInPhone() const {
+    if (m_phone.isNull())
+        return QRect(QPoint(0, 0), m_slide.size());
+    if (m_fillMode == 0)
+        return m_screen;
+    const QSize size = m_slide.size();
+    return QRect(m_screen.left() + std::max(0, (m_screen.width() - size.width()) / 2),
+                 m_screen.top() + std::max(0, (m_screen.height() - size.height()) / 2),
+                 size.width(), size.height());
 }
 
 QRect PhoneView::slideRect() const {
-    if (m_phone.isNull())
-        return QRect(phoneOrigin(), m_slide.size());
-    const QRect screen = m_screen.translated(phoneOrigin());
-    if (m_fillMode == 0)
-        return screen;
-    const QSize size = m_slide.size();
-    return QRect(screen.left() + std::max(0, (screen.width() - size.width()) / 2),
-                 screen.top() + std::max(0, (screen.height() - size.height()) / 2), size.width(),
-                 size.height());
+    const QRectF inPhone = slideRectInPhone();
+    return QRectF(QPointF(phoneOrigin()) + inPhone.topLeft() * scale(), inPhone.size() * scale())
+        .toRect();
 }
 
 void PhoneView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    painter.translate(phoneOrigin());
+    painter.scale(scale(), scale());
+    // Scaling is smooth; a slide shown 1:1 stays crisp anyway.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     if (!m_phone.isNull()) {
-        painter.drawPixmap(phoneOrigin(), m_phone);
-        painter.setClipRect(m_screen.translated(phoneOrigin()));
+        painter.drawPixmap(0, 0, m_phone);
+        painter.setClipRect(m_screen);
     }
-    if (m_slide.isNull())
-        return;
-    // Stretching is the one case that scales; small slides stay crisp.
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_fillMode == 0);
-    painter.drawImage(slideRect(), m_slide);
+    if (!m_slide.isNull())
+        painter.drawImage(slideRectInPhone(), m_slide);
 }
 
 void PhoneView::contextMenuEvent(QContextMenuEvent* event) {

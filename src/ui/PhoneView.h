@@ -8,7 +8,8 @@
 // mode 0 stretches the slide over the rectangle; any other mode draws it at
 // its own size, centred where it is smaller and from the rectangle's corner
 // where it is larger (never shrunk, and never over the phone around it).
-// Without a phone picture the slide is shown on its own.
+// Without a phone picture the slide is shown on its own. Where the room is
+// too small, the whole is shown smaller.
 class PhoneView : public QWidget {
     Q_OBJECT
 public:
@@ -19,6 +20,7 @@ public:
     // Where the slide lands, in the view's coordinates.
     QRect slideRect() const;
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
 signals:
     void contextMenuRequested(const QPoint& globalPos);
@@ -28,7 +30,9 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
+    qreal scale() const;
     QPoint phoneOrigin() const;
+    QRect slideRectInPhone() const;
     QSize contentSize() const;
 
     QPixmap m_phone;

@@ -15,6 +15,7 @@
 #include "frmPreview.h"
 
 #include <QMainWindow>
+#include <QTimer>
 
 namespace {
 enum PreviewMode { Docked = 0, Floating = 1, Closed = 2 };
@@ -64,10 +65,17 @@ void PreviewController::applySettings() {
     }
     const bool floating = preference("PreviewMode", "0").toInt() == Floating;
     mFrmPreview->DockPreview(!floating);
-    mFrmPreview->show();
-    if (floating)
+    if (!floating) {
+        mFrmPreview->show();
+        return showCurrentSlide();
+    }
+    // A floating preview shown before its window would end up behind it.
+    QTimer::singleShot(0, mFrmPreview, [this] {
+        mFrmPreview->show();
         mFrmPreview->restorePosition();
-    showCurrentSlide();
+        mFrmPreview->raise();
+        showCurrentSlide();
+    });
 }
 
 // The phone of the skin; a picture the skin names but lacks is said once, and
@@ -121,6 +129,8 @@ void PreviewController::showCurrentSlide() {
     mFrmPreview->SetPreviewSlideText(message && slide >= 1 && slide <= message->Slides().Count()
                                          ? message->Slides().Item(slide).Text()
                                          : QString());
+    if (!m_clock.isPlaying())
+        mFrmPreview->DisplayPreviewTime(0, message ? message->Slides().TotalDuration() : 0);
 }
 
 void PreviewController::mFrmPreview_Dock(bool docked) {

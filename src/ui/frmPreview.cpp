@@ -57,7 +57,6 @@ frmPreview::frmPreview(QWidget* parent)
         connect(new QShortcut(keys, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut),
                 &QShortcut::activated, this, &QWidget::close);
     TranslateForm();
-    DisplayPreviewTime(0, 0);
 }
 
 void frmPreview::buildLayout(QWidget* content) {
@@ -69,11 +68,10 @@ void frmPreview::buildLayout(QWidget* content) {
     sizes->addWidget(lblSlideImageSize, 1);
     sizes->addWidget(cmdImgSize);
     auto* layout = new QVBoxLayout(content);
-    layout->addWidget(picPhone, 0, Qt::AlignHCenter);
+    layout->addWidget(picPhone, 1);
     layout->addWidget(lblText);
     layout->addLayout(play);
     layout->addWidget(m_sizeRow);
-    layout->addStretch(1);
 }
 
 void frmPreview::TranslateForm() {
@@ -87,6 +85,10 @@ void frmPreview::TranslateForm() {
     lblTime->setAccessibleName(text("STR_PREVIEW_TIME", "Time played"));
     lblText->setAccessibleName(text("STR_PREVIEW_TEXT", "Slide text"));
     fillSizes();
+    // The window's translation blanks every named label; they are shown again.
+    lblText->setText(m_text);
+    lblSlideImageSize->setText(sizeText(m_slideSize));
+    DisplayPreviewTime(m_elapsedMs, m_totalMs);
 }
 
 void frmPreview::InitPreview(const PhoneSkin& skin) {
@@ -146,6 +148,7 @@ void frmPreview::SetPreviewPictureFile(const QString& path) {
 }
 
 void frmPreview::SetPreviewSlideText(const QString& text) {
+    m_text = text;
     lblText->setText(text);
     picPhone->setAccessibleDescription(text);
 }
@@ -164,6 +167,8 @@ void frmPreview::PlayerStopped() {
 }
 
 void frmPreview::DisplayPreviewTime(qint64 elapsedMs, qint64 totalMs) {
+    m_elapsedMs = elapsedMs;
+    m_totalMs = totalMs;
     lblTime->setText(PreviewClock::timeText(elapsedMs, totalMs));
 }
 

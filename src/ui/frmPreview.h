@@ -64,6 +64,9 @@ private:
     QMenu* lstImgSizes;
     QWidget* m_sizeRow;
     QSize m_slideSize{160, 120};
+    QString m_text;
+    qint64 m_elapsedMs = 0;
+    qint64 m_totalMs = 0;
     bool m_playing = false;
     bool m_dockingEnabled = true;
     bool m_downloadEnabled = true;

@@ -34,6 +34,13 @@ protected:
         MainWindowFixture::TearDown();
     }
     frmPreview* preview() { return window().previewer()->preview(); }
+    // A floating preview with room for the phone at its own size.
+    PhoneView* roomyPhone() {
+        preview()->setFloating(true);
+        preview()->resize(700, 900);
+        QCoreApplication::processEvents();
+        return preview()->phone();
+    }
     PreviewClock& clock() { return window().previewer()->clock(); }
     QString previewTime() { return preview()->findChild<QLabel*>("lblTime")->text(); }
     QPushButton* playButton() { return window().findChild<QPushButton*>("cmdPreview"); }
@@ -217,7 +224,7 @@ TEST_F(PreviewTest, TheSizeChooserChangesTheSlideSizeExceptForAuto) {
     EXPECT_EQ(window().pictureEditor()->surfaceSize(), QSize(176, 144));
     EXPECT_EQ(preview()->findChild<QLabel*>("lblSlideImageSize")->text(), "176x144");
     EXPECT_TRUE(entries[1]->isChecked());
-    EXPECT_EQ(preview()->phone()->slideRect().size(), QSize(176, 144));
+    EXPECT_EQ(roomyPhone()->slideRect().size(), QSize(176, 144));
 }
 
 TEST_F(PreviewTest, ASkinsPhoneFramesTheSlideAndAMissingPictureLeavesTheSlideAlone) {
@@ -228,7 +235,7 @@ TEST_F(PreviewTest, ASkinsPhoneFramesTheSlideAndAMissingPictureLeavesTheSlideAlo
     EXPECT_EQ(AppGlobals::setting("preferences", "PhoneImageSize", ""), "176,144,0")
         << "the phone's picture size comes with it";
     EXPECT_EQ(window().pictureEditor()->surfaceSize(), QSize(176, 144));
-    PhoneView* phone = preview()->phone();
+    PhoneView* phone = roomyPhone();
     EXPECT_EQ(phone->sizeHint(), QPixmap(skin.phonePicture).size());
     // The slide sits centred in the screen, 2 pixels in from each side.
     EXPECT_EQ(phone->slideRect().size(), QSize(176, 144));
