@@ -1,5 +1,7 @@
 #include "ContentClass.h"
 
+#include "AppGlobals.h"
+
 #include <algorithm>
 
 namespace {
@@ -34,8 +36,10 @@ QList<F::Kind> joined(std::initializer_list<QList<F::Kind>> lists) {
 // GIF89a, WBMP), PNG and SP-MIDI coming with Image Rich, UTF-16 text, and the
 // video classes taking 3GPP files (whose codec is not inspected).
 // Not found at all: the size and picture limits of Megapixel, Content Basic
-// and Content Rich. They stay 0 (unknown), so no message is ever said to fit
-// those classes, rather than promising on a guessed figure.
+// and Content Rich, and their format lists beyond AMR-NB and SP-MIDI in
+// Content Basic (the lists below only say what the checker reports on).
+// The limits stay 0 (unknown), so no message is ever said to fit those
+// classes, rather than promising on a guessed figure.
 const QList<ContentClass::Limits>& ContentClass::table() {
     static const QList<Limits> classes{
         {Text, "Text", 30 * kKilobyte, QSize(), kTexts},
@@ -70,4 +74,13 @@ std::optional<ContentClass::Id> ContentClass::fromName(const QString& name) {
 bool ContentClass::fullyKnown(Id id) {
     const Limits& entry = limits(id);
     return entry.maxBytes > 0 && (id == Text || entry.maxPicture.isValid());
+}
+
+ContentClass::CreationMode ContentClass::creationModeFromSettings() {
+    const QString mode = AppGlobals::setting("preferences", "CreationMode", "Warning");
+    if (mode.compare(QLatin1String("Restricted"), Qt::CaseInsensitive) == 0)
+        return CreationMode::Restricted;
+    if (mode.compare(QLatin1String("Free"), Qt::CaseInsensitive) == 0)
+        return CreationMode::Free;
+    return CreationMode::Warning;
 }

@@ -41,4 +41,10 @@ public:
     static QString name(Id id) { return QString::fromLatin1(limits(id).name); }
     // Whether every limit of the class is known, so that a message can be said to fit it.
     static bool fullyKnown(Id id);
+
+    // How the composer treats a message outside the chosen class: refuse the
+    // part that breaks it, warn once before it leaves, or never ask.
+    enum class CreationMode { Restricted, Warning, Free };
+    // "CreationMode" of section "preferences"; Warning when it names no mode.
+    static CreationMode creationModeFromSettings();
 };

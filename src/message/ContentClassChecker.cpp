@@ -30,9 +30,9 @@ void damageRules(const ContentClassChecker::Part& part,
                                                    "%0 holds %1, not what its name says.",
                                                    {part.name, kind})});
     if (facts.truncated)
-        broken.append(
-            {part.name, AppGlobals::text("STR_CLASS_TRUNCATED", "%0 is a %1 that is cut short.",
-                                         {part.name, kind})});
+        broken.append({part.name, AppGlobals::text("STR_CLASS_TRUNCATED",
+                                                   "%0 is cut short: its %1 data ends early.",
+                                                   {part.name, kind})});
 }
 } // namespace
 
@@ -103,6 +103,16 @@ ContentClassChecker::checkMessage(clsMMSManager& manager, clsMessage& message,
         return std::nullopt;
     }
     return ContentClassChecker(form).report(chosen);
+}
+
+QList<ContentClassChecker::Broken>
+ContentClassChecker::fileRules(const QString& path, const QString& name, ContentClass::Id id) {
+    SendForm form;
+    form.assign(0, {{name, path}});
+    const ContentClassChecker checker(form);
+    QList<Broken> broken;
+    checker.partRules(checker.m_parts.front(), ContentClass::limits(id), broken);
+    return broken;
 }
 
 ContentClass::Id ContentClassChecker::classFromSettings() {

@@ -47,6 +47,9 @@ public:
     // nullopt, with error set, when the send form cannot be written.
     static std::optional<Report> checkMessage(clsMMSManager& manager, clsMessage& message,
                                               ContentClass::Id chosen, QString* error);
+    // The rules one file named name breaks in a class by itself, before it
+    // is added to a message: its format, damage, name and resolution.
+    static QList<Broken> fileRules(const QString& path, const QString& name, ContentClass::Id id);
     // The class named by "ContentClass" of section "preferences"; Image Rich
     // when the setting names none.
     static ContentClass::Id classFromSettings();

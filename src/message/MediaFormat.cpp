@@ -5,6 +5,7 @@
 
 #include <QFileInfo>
 #include <QStringDecoder>
+#include <algorithm>
 #include <array>
 #include <map>
 
@@ -196,12 +197,20 @@ qsizetype id3Length(const QByteArray& bytes) {
     return 10 + size + ((byteAt(bytes, 5) & 0x10) ? 10 : 0);
 }
 
+// Encoders put their summary ("Xing" or "Info") in a first frame of silence
+// that no player plays.
+bool isSummaryFrame(const QByteArray& bytes, qsizetype at, const Mp3Frame& frame) {
+    const QByteArray head = bytes.mid(at, qMin(frame.bytes, 64));
+    return head.contains("Xing") || head.contains("Info");
+}
+
 Facts mp3(const QByteArray& bytes, qsizetype start) {
     qint64 samples = 0;
     int rate = 0;
     qsizetype at = start;
     for (Mp3Frame frame = mp3Frame(bytes, at); frame.bytes > 0; frame = mp3Frame(bytes, at)) {
-        samples += frame.samples;
+        if (at > start || !isSummaryFrame(bytes, at, frame))
+            samples += frame.samples;
         rate = frame.rate;
         at += frame.bytes;
     }

@@ -74,12 +74,15 @@ QByteArray partHeaders(const QString& name, const QString& mimeType) {
 
 // Unique across files of one run (the counter) and across runs and processes
 // (the time and the process id).
+// Every field at its widest (a pid has at most seven digits, the counter ten),
+// so every packing of a message has the same length: a message measured
+// against a size limit is the size it is when sent.
 QString uniqueStamp() {
     static std::atomic<quint32> counter{0};
     return QStringLiteral("%1-%2-%3")
-        .arg(Clock::instance().now().toMSecsSinceEpoch(), 0, 16)
-        .arg(QCoreApplication::applicationPid())
-        .arg(++counter);
+        .arg(Clock::instance().now().toMSecsSinceEpoch(), 12, 16, QLatin1Char('0'))
+        .arg(QCoreApplication::applicationPid(), 7, 10, QLatin1Char('0'))
+        .arg(++counter, 10, 10, QLatin1Char('0'));
 }
 
 bool isMimeType(const QString& text) {
