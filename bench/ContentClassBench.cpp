@@ -8,6 +8,7 @@
 #include "BenchMessage.h"
 #include "ContentClassChecker.h"
 #include "SettingsBootstrap.h"
+#include "clsPropertiesXML.h"
 
 #include <QDir>
 #include <benchmark/benchmark.h>

@@ -5,3 +5,4 @@ vellumo_fuzzer(fuzz_template_import ${CMAKE_SOURCE_DIR}/fuzz/template_import.cpp
 target_sources(fuzz_template_import PRIVATE ${CMAKE_SOURCE_DIR}/fuzz/ImportTrap.cpp)
 vellumo_fuzzer(fuzz_message_xml ${CMAKE_SOURCE_DIR}/fuzz/message_xml.cpp vellumo_message)
 vellumo_fuzzer(fuzz_media_format ${CMAKE_SOURCE_DIR}/fuzz/media_format.cpp vellumo_message)
+vellumo_fuzzer(fuzz_mms_parts ${CMAKE_SOURCE_DIR}/fuzz/mms_parts.cpp vellumo_message)

@@ -1,35 +1,59 @@
 #include "ContentClassChecker.h"
 
 #include "AppGlobals.h"
+#include "MmsPartReader.h"
 #include "PrivateTempDir.h"
 
 #include <QFile>
+#include <algorithm>
 
 namespace {
+QByteArray readFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 QString sizeText(QSize size) {
     return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
 }
 
-bool larger(QSize picture, QSize limit) {
-    return picture.width() > limit.width() || picture.height() > limit.height();
-}
+using Part = ContentClassChecker::Part;
+using Limits = ContentClass::Limits;
 
+// Each rule once, asked both when the rules are listed and when the smallest
+// class is searched, which needs no texts.
+bool isEmpty(const Part& part) {
+    return part.facts.kind == MediaFormat::Empty;
+}
+bool misnamed(const Part& part) {
+    return !isEmpty(part) && !MediaFormat::matchesName(part.facts.kind, part.name);
+}
+bool refusedFormat(const Part& part, const Limits& limits) {
+    return !isEmpty(part) && !limits.formats.contains(part.facts.kind);
+}
+bool tooLarge(const Part& part, const Limits& limits) {
+    const QSize picture = part.facts.resolution;
+    return picture.isValid() && limits.maxPicture.isValid() &&
+           (picture.width() > limits.maxPicture.width() ||
+            picture.height() > limits.maxPicture.height());
+}
 // Damage and a lying name break every class: the receiver is told a type the
 // part does not have, or gets less than the part says it holds.
-void damageRules(const ContentClassChecker::Part& part,
-                 QList<ContentClassChecker::Broken>& broken) {
-    const MediaFormat::Facts& facts = part.facts;
-    const QString kind = MediaFormat::kindName(facts.kind);
-    if (facts.kind == MediaFormat::Empty) {
+bool fits(const Part& part, const Limits& limits) {
+    return !isEmpty(part) && !misnamed(part) && !part.facts.truncated &&
+           !refusedFormat(part, limits) && !tooLarge(part, limits);
+}
+
+void damageRules(const Part& part, QList<ContentClassChecker::Broken>& broken) {
+    const QString kind = MediaFormat::kindName(part.facts.kind);
+    if (isEmpty(part))
         broken.append(
             {part.name, AppGlobals::text("STR_CLASS_EMPTY_PART", "%0 is empty.", {part.name})});
-        return;
-    }
-    if (!MediaFormat::matchesName(facts.kind, part.name))
+    if (misnamed(part))
         broken.append({part.name, AppGlobals::text("STR_CLASS_MISNAMED",
                                                    "%0 holds %1, not what its name says.",
                                                    {part.name, kind})});
-    if (facts.truncated)
+    if (part.facts.truncated)
         broken.append({part.name, AppGlobals::text("STR_CLASS_TRUNCATED",
                                                    "%0 is cut short: its %1 data ends early.",
                                                    {part.name, kind})});
@@ -37,27 +61,39 @@ void damageRules(const ContentClassChecker::Part& part,
 } // namespace
 
 ContentClassChecker::ContentClassChecker(const SendForm& form) : m_bytes(form.bytes()) {
-    for (const SendForm::Part& sent : form.parts()) {
-        QFile file(sent.path);
-        const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-        m_parts.append({sent.name, bytes.size(), MediaFormat::identify(bytes)});
-    }
+    if (!form.packedPath().isEmpty() && readPacked(form.packedPath()))
+        return;
+    for (const SendForm::Part& sent : form.parts())
+        addPart(sent.name, readFile(sent.path));
+}
+
+// The parts as they travel, read from the binary message in one go.
+bool ContentClassChecker::readPacked(const QString& path) {
+    MmsPartReader reader;
+    if (!reader.read(readFile(path)))
+        return false;
+    for (const MmsPartReader::Part& part : reader.parts())
+        addPart(part.name, part.data);
+    return true;
+}
+
+void ContentClassChecker::addPart(const QString& name, const QByteArray& bytes) {
+    m_parts.append({name, bytes.size(), MediaFormat::identify(bytes)});
 }
 
 void ContentClassChecker::partRules(const Part& part, const ContentClass::Limits& limits,
                                     QList<Broken>& broken) const {
     damageRules(part, broken);
-    const MediaFormat::Facts& facts = part.facts;
     const QString className = QString::fromLatin1(limits.name);
-    if (facts.kind != MediaFormat::Empty && !limits.formats.contains(facts.kind))
-        broken.append({part.name, AppGlobals::text(
-                                      "STR_CLASS_FORMAT", "%0 is %1, which %2 does not allow.",
-                                      {part.name, MediaFormat::kindName(facts.kind), className})});
-    if (facts.resolution.isValid() && limits.maxPicture.isValid() &&
-        larger(facts.resolution, limits.maxPicture))
+    if (refusedFormat(part, limits))
+        broken.append(
+            {part.name,
+             AppGlobals::text("STR_CLASS_FORMAT", "%0 is %1, which %2 does not allow.",
+                              {part.name, MediaFormat::kindName(part.facts.kind), className})});
+    if (tooLarge(part, limits))
         broken.append({part.name, AppGlobals::text("STR_CLASS_RESOLUTION",
                                                    "%0 is %1 pixels; %2 allows at most %3.",
-                                                   {part.name, sizeText(facts.resolution),
+                                                   {part.name, sizeText(part.facts.resolution),
                                                     className, sizeText(limits.maxPicture)})});
 }
 
@@ -83,7 +119,9 @@ QList<ContentClassChecker::Broken> ContentClassChecker::brokenRules(ContentClass
 
 std::optional<ContentClass::Id> ContentClassChecker::smallestClass() const {
     for (const ContentClass::Limits& limits : ContentClass::table())
-        if (ContentClass::fullyKnown(limits.id) && brokenRules(limits.id).isEmpty())
+        if (ContentClass::fullyKnown(limits.id) && m_bytes <= limits.maxBytes &&
+            std::all_of(m_parts.begin(), m_parts.end(),
+                        [&](const Part& part) { return fits(part, limits); }))
             return limits.id;
     return std::nullopt;
 }

@@ -35,7 +35,8 @@ public:
         bool fits() const { return broken.isEmpty(); }
     };
 
-    // Reads every part of form once.
+    // Reads every part of form once: from its binary message when it has
+    // one, else from the part files.
     explicit ContentClassChecker(const SendForm& form);
 
     QList<Broken> brokenRules(ContentClass::Id id) const;
@@ -55,6 +56,8 @@ public:
     static ContentClass::Id classFromSettings();
 
 private:
+    bool readPacked(const QString& path);
+    void addPart(const QString& name, const QByteArray& bytes);
     void partRules(const Part& part, const ContentClass::Limits& limits,
                    QList<Broken>& broken) const;
 

@@ -152,8 +152,10 @@ TEST_F(ContentClassTest, APictureAtTheImageBasicEdgeFitsAndOnePixelMoreDoesNot) 
     EXPECT_EQ(edge.smallest, ContentClass::ImageBasic)
         << texts(edge.broken).join('\n').toStdString();
     EXPECT_TRUE(edge.fits());
+    // In the order they travel: the presentation first.
     ASSERT_EQ(edge.parts.size(), 2);
-    EXPECT_EQ(edge.parts[0].facts.kind, F::JpegBaseline);
+    EXPECT_EQ(edge.parts[0].facts.kind, F::Smil);
+    EXPECT_EQ(edge.parts[1].facts.kind, F::JpegBaseline);
 
     m_message->Slides().Item(1).setImage(QImage(picture("wide.jpg", {161, 120})));
     const auto wide = check();
@@ -189,8 +191,8 @@ TEST_F(ContentClassTest, AnMp3SoundBreaksEveryClassAndAnAmrOneFitsImageBasic) {
     const auto amr = check();
     EXPECT_EQ(amr.smallest, ContentClass::ImageBasic) << texts(amr.broken).join('\n').toStdString();
     ASSERT_EQ(amr.parts.size(), 3);
-    EXPECT_EQ(amr.parts[1].facts.kind, F::AmrNb);
-    EXPECT_EQ(amr.parts[1].facts.durationMs, 2000);
+    EXPECT_EQ(amr.parts[2].facts.kind, F::AmrNb);
+    EXPECT_EQ(amr.parts[2].facts.durationMs, 2000);
 
     setSound(slide, sound("song.mp3", 44100, 2, {"-c:a", "libmp3lame"}), "A2.mp3");
     const auto mp3 = check(ContentClass::VideoRich);
