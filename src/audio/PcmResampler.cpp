@@ -31,8 +31,9 @@ bool PcmResampler::toMono(const PcmSound& source, int sampleRate, PcmSound& resu
                           QString& error) {
     const PcmSound input = source.toInt16();
     const PcmFormat& from = input.format();
-    const auto context = converter(from.channels, from.sampleRate, sampleRate);
-    if (!context || sampleRate <= 0) {
+    const auto context =
+        sampleRate > 0 ? converter(from.channels, from.sampleRate, sampleRate) : nullptr;
+    if (!context) {
         error = QStringLiteral("the sound cannot be converted to %1 Hz").arg(sampleRate);
         return false;
     }

@@ -37,13 +37,13 @@ bool tooLarge(const Part& part, const Limits& limits) {
            (picture.width() > limits.maxPicture.width() ||
             picture.height() > limits.maxPicture.height());
 }
-// Damage and a lying name break every class: the receiver is told a type the
-// part does not have, or gets less than the part says it holds.
 bool fits(const Part& part, const Limits& limits) {
     return !isEmpty(part) && !misnamed(part) && !part.facts.truncated &&
            !refusedFormat(part, limits) && !tooLarge(part, limits);
 }
 
+// Damage and a lying name break every class: the receiver is told a type the
+// part does not have, or gets less than the part says it holds.
 void damageRules(const Part& part, QList<ContentClassChecker::Broken>& broken) {
     const QString kind = MediaFormat::kindName(part.facts.kind);
     if (isEmpty(part))
@@ -67,7 +67,8 @@ ContentClassChecker::ContentClassChecker(const SendForm& form) : m_bytes(form.by
         addPart(sent.name, readFile(sent.path));
 }
 
-// The parts as they travel, read from the binary message in one go.
+// The parts as they travel, read from the binary message in one go. A
+// message this reader cannot follow is read from its part files instead.
 bool ContentClassChecker::readPacked(const QString& path) {
     MmsPartReader reader;
     if (!reader.read(readFile(path)))

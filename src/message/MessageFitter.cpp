@@ -14,6 +14,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 
 namespace {
 MediaFormat::Facts factsOf(const QString& path) {
@@ -42,6 +43,14 @@ int pictureFormat(const ContentClass::Limits& limits) {
             return format;
     return ImageWriter::Jpeg;
 }
+
+// Animations are sent as they are; only slide pictures are encoded anew.
+bool hasStillPicture(const clsMessage& message) {
+    return std::any_of(message.Slides().begin(), message.Slides().end(), [](const auto& slide) {
+        return slide->DrawObjects().BackType() != clsDrawObjects::BackAnimated &&
+               SlideRenderer::hasPicture(*slide);
+    });
+}
 } // namespace
 
 MessageFitter::MessageFitter(clsMMSManager& manager) : m_manager(manager) {}
@@ -53,7 +62,7 @@ MessageFitter::Result MessageFitter::fit(clsMessage& message, ContentClass::Id i
         fitPicture(*slide, limits, result);
         fitSound(*slide, limits, result);
     }
-    if (ContentClass::fullyKnown(id))
+    if (ContentClass::fullyKnown(id) && hasStillPicture(message))
         chooseEncoding(message, limits, result);
     const auto report = ContentClassChecker::checkMessage(m_manager, message, id, &result.error);
     if (report)
