@@ -29,3 +29,12 @@ QSize CliOutput::parseSize(const QString& text) {
                ? size
                : QSize();
 }
+
+QString CliOutput::takeOption(QStringList& arguments, const QString& name) {
+    const qsizetype at = arguments.indexOf(name);
+    if (at < 0 || at + 1 >= arguments.size())
+        return QString();
+    const QString value = arguments[at + 1];
+    arguments.remove(at, 2);
+    return value;
+}

@@ -2,6 +2,7 @@
 
 #include <QSize>
 #include <QString>
+#include <QStringList>
 
 // What vellumo-cli prints: results on standard output, one-line errors on
 // standard error with a non-zero exit code.
@@ -14,6 +15,8 @@ public:
     static void warning(const QString& message);
     // Parses "WxH" ("176x144"); an invalid size when the text is not one.
     static QSize parseSize(const QString& text);
+    // Takes "--name VALUE" out of the arguments; "" when it is not there.
+    static QString takeOption(QStringList& arguments, const QString& name);
     // Prints the usage text and returns 64, the usual code for a bad command line.
     static int usageError(const QString& usage);
 };

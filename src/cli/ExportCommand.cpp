@@ -16,15 +16,6 @@ const std::map<QString, int> kKinds{{"smil", clsMMSManager::ExportSmil},
                                     {"wap", kBinaryMms}};
 const std::map<QString, int> kFormats{{"ms", 0}, {"s", 1}};
 
-// Takes "--name VALUE" out of the arguments; "" when it is not there.
-QString takeOption(QStringList& arguments, const QString& name) {
-    const qsizetype at = arguments.indexOf(name);
-    if (at < 0 || at + 1 >= arguments.size())
-        return QString();
-    const QString value = arguments[at + 1];
-    arguments.remove(at, 2);
-    return value;
-}
 // The SMIL set first, then FOLDER/mms.wap from it.
 int exportBinary(clsMMSManager& manager, clsMessage& message, int format, const QString& target,
                  bool overwrite, bool retrieve) {
@@ -51,8 +42,8 @@ int ExportCommand::run(const QStringList& original) {
     QStringList arguments = original;
     const bool overwrite = arguments.removeAll("--overwrite") > 0;
     const bool retrieve = arguments.removeAll("--retrieve-conf") > 0;
-    const auto kind = kKinds.find(takeOption(arguments, "--kind"));
-    const auto format = kFormats.find(takeOption(arguments, "--format"));
+    const auto kind = kKinds.find(CliOutput::takeOption(arguments, "--kind"));
+    const auto format = kFormats.find(CliOutput::takeOption(arguments, "--format"));
     if (arguments.size() != 2 || kind == kKinds.end() || format == kFormats.end() ||
         !arguments[1].endsWith(".smil", Qt::CaseInsensitive))
         return CliOutput::usageError(usage());

@@ -1,7 +1,9 @@
 #include "AudioCommands.h"
+#include "CheckCommand.h"
 #include "CliOutput.h"
 #include "ConvertImageCommand.h"
 #include "ExportCommand.h"
+#include "FitCommand.h"
 #include "ImportCommand.h"
 #include "InfoCommand.h"
 #include "MessageScript.h"
@@ -33,8 +35,10 @@ struct Command {
 const std::map<QString, Command>& commands() {
     static const std::map<QString, Command> table{
         {"amr2wav", {AudioCommands::amr2wav, AudioCommands::amr2wavUsage}},
+        {"check", {CheckCommand::run, CheckCommand::usage}},
         {"convert-image", {ConvertImageCommand::run, ConvertImageCommand::usage}},
         {"export", {ExportCommand::run, ExportCommand::usage}},
+        {"fit", {FitCommand::run, FitCommand::usage}},
         {"help", {help, helpUsage}},
         {"import", {ImportCommand::run, ImportCommand::usage}},
         {"info", {InfoCommand::run, InfoCommand::usage}},

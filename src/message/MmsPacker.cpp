@@ -74,12 +74,15 @@ QByteArray partHeaders(const QString& name, const QString& mimeType) {
 
 // Unique across files of one run (the counter) and across runs and processes
 // (the time and the process id).
+// Every field at its widest (a pid has at most seven digits, the counter ten),
+// so every packing of a message has the same length: a message measured
+// against a size limit is the size it is when sent.
 QString uniqueStamp() {
     static std::atomic<quint32> counter{0};
     return QStringLiteral("%1-%2-%3")
-        .arg(Clock::instance().now().toMSecsSinceEpoch(), 0, 16)
-        .arg(QCoreApplication::applicationPid())
-        .arg(++counter);
+        .arg(Clock::instance().now().toMSecsSinceEpoch(), 12, 16, QLatin1Char('0'))
+        .arg(QCoreApplication::applicationPid(), 7, 10, QLatin1Char('0'))
+        .arg(++counter, 10, 10, QLatin1Char('0'));
 }
 
 bool isMimeType(const QString& text) {
@@ -139,24 +142,30 @@ int MmsPacker::_Pack(const QString& folder, const QString& outputName, const QSt
     return Success;
 }
 
+QStringList MmsPacker::partNames(const QString& fileList) {
+    QStringList names;
+    for (const QString& entry : fileList.split(u';', Qt::SkipEmptyParts)) {
+        const QString name = entry.trimmed();
+        if (!name.isEmpty() && !names.contains(name) &&
+            name.compare(textsIndexName, Qt::CaseInsensitive) != 0)
+            names.append(name);
+    }
+    return names;
+}
+
 // Checks every listed file before anything is written, and puts the first SMIL
 // file in front as the start part.
 int MmsPacker::collectParts(const QDir& folder, const QString& fileList, QList<Part>* parts) {
-    QStringList seen;
     int start = -1;
-    for (const QString& entry : fileList.split(u';', Qt::SkipEmptyParts)) {
+    for (const QString& name : partNames(fileList)) {
         Part part;
-        part.name = entry.trimmed();
-        if (part.name.isEmpty() || seen.contains(part.name) ||
-            part.name.compare(textsIndexName, Qt::CaseInsensitive) == 0)
-            continue;
+        part.name = name;
         QString why;
         part.path = PlainFileName::existingFile(folder.path(), part.name, &why);
         if (part.path.isEmpty())
             return fail(FileUnreadable, QStringLiteral("Unusable file in the list: %1").arg(why));
         if (const int result = checkPart(&part); result != Success)
             return result;
-        seen.append(part.name);
         if (start < 0 && part.mimeType == smilType)
             start = int(parts->size());
         parts->append(part);

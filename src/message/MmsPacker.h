@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 class QDir;
 class AtomicFile;
@@ -44,6 +45,10 @@ public:
     // the target and renamed when complete, so a failure leaves no file behind.
     int _Pack(const QString& folder, const QString& outputName, const QString& fileList,
               const QString& messageName);
+
+    // The names of a file list that become parts, in list order: each once,
+    // without the texts index.
+    static QStringList partNames(const QString& fileList);
 
     void setMessageType(MessageType type);
     // Why the last call failed; empty after success.

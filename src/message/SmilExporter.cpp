@@ -43,7 +43,17 @@ QString SmilExporter::textsIndexName() const {
     return m_numbered ? m_baseName + "_texts.xml" : QStringLiteral("texts.xml");
 }
 
+void SmilExporter::usePictureEncoding(const clsMessage& message) {
+    m_pictureSettings = ImageWriter::currentSettings();
+    const int format = ImageWriter::formatIndex(message.sendImageFormat());
+    if (format >= 0)
+        m_imageFormat = format;
+    if (message.sendJpgQuality() > 0)
+        m_pictureSettings.jpgQuality = message.sendJpgQuality();
+}
+
 bool SmilExporter::run(clsMessage& message, const Progress& progress) {
+    usePictureEncoding(message);
     SmilDocument::startPresentation(m_smil, message.name());
     SmilDocument::startTextsIndex(m_texts, message.name());
     pugi::xml_node body = m_smil.child("smil").child("body");
@@ -92,8 +102,7 @@ bool SmilExporter::exportPicture(const clsSlide& slide, const QString& workFolde
             SlideRenderer(workFolder, SlideRenderer::surfaceFromSettings()).picture(slide);
         name = fileName(slide.index(), ImageWriter::extension(m_imageFormat));
         try {
-            ImageWriter::write(picture, m_imageFormat, m_folder + name,
-                               ImageWriter::currentSettings());
+            ImageWriter::write(picture, m_imageFormat, m_folder + name, m_pictureSettings);
         } catch (const AppError& error) {
             return fail("STR_ERROR_PICT_CONV", "The picture cannot be converted.",
                         error.description());

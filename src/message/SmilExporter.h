@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ImageWriter.h"
+
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -27,6 +29,8 @@ public:
     QString textsIndexName() const;
 
 private:
+    // A message fitted to a content class brings its own picture encoding.
+    void usePictureEncoding(const clsMessage& message);
     bool exportSlide(const clsSlide& slide, const QString& workFolder, pugi::xml_node par);
     bool exportPicture(const clsSlide& slide, const QString& workFolder, pugi::xml_node par);
     bool exportSound(const clsSlide& slide, const QString& workFolder, pugi::xml_node par);
@@ -40,6 +44,7 @@ private:
     int m_durationFormat;
     int m_counter = 0;
     int m_imageFormat;
+    ImageWriter::Settings m_pictureSettings;
     pugi::xml_document m_smil;
     pugi::xml_document m_texts;
     QStringList m_files;

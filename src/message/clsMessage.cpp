@@ -93,6 +93,16 @@ QString clsMessage::name() const {
 void clsMessage::setName(const QString& name) {
     A::set(m_message, "name", name);
 }
+QString clsMessage::sendImageFormat() const {
+    return A::text(m_message, "sendformat");
+}
+int clsMessage::sendJpgQuality() const {
+    return A::text(m_message, "sendquality").toInt();
+}
+void clsMessage::setSendPictureEncoding(const QString& extension, int jpgQuality) {
+    A::set(m_message, "sendformat", extension);
+    A::set(m_message, "sendquality", QString::number(jpgQuality));
+}
 QString clsMessage::Created() const {
     return A::text(m_message, "created");
 }

@@ -41,6 +41,12 @@ public:
     void setMMSFileList(const QString& list);
     QString name() const;
     void setName(const QString& name);
+    // How the send form encodes the slide pictures of a message fitted to a
+    // content class: a picture format's extension ("jpg") and a JPEG quality.
+    // Empty and 0 leave both to the settings.
+    QString sendImageFormat() const;
+    int sendJpgQuality() const;
+    void setSendPictureEncoding(const QString& extension, int jpgQuality);
     QString Created() const;
     void setCreated(const QString& stamp);
     QString Path() const { return m_path; }

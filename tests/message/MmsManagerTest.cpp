@@ -1,7 +1,6 @@
 #include "AppGlobals.h"
 #include "FakeClock.h"
-#include "SettingsBootstrap.h"
-#include "TempDataHome.h"
+#include "WorkFolderTest.h"
 #include "clsMMSManager.h"
 #include "clsPropertiesXML.h"
 
@@ -20,18 +19,9 @@ QStringList run(const QString& program, const QStringList& arguments, int* exitC
 }
 } // namespace
 
-class MmsManagerTest : public TempDataHome {
+class MmsManagerTest : public WorkFolderTest {
 protected:
-    void SetUp() override {
-        TempDataHome::SetUp();
-        AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
-        m_manager.InitializeFromSettings();
-        m_work = m_manager.GetWorkFolderPath();
-    }
     QStringList workFiles() const { return QDir(m_work).entryList(QDir::Files, QDir::Name); }
-
-    clsMMSManager m_manager;
-    QString m_work;
 };
 
 TEST_F(MmsManagerTest, FoldersComeFromTheSettings) {

@@ -1,5 +1,6 @@
 #include "MmsPacker.h"
 #include "FakeClock.h"
+#include "MmsPartReader.h"
 #include "QtPrinters.h"
 #include "WspWriter.h"
 
@@ -702,3 +703,25 @@ TEST_F(MmsPackerTest, MimeTableRegistration) {
 }
 
 } // namespace
+
+TEST_F(MmsPackerTest, TheProgramReadsBackEveryPartItPackedAndStopsAtACut) {
+    for (const auto type :
+         {MmsPacker::MessageType::SendRequest, MmsPacker::MessageType::RetrieveConfirmation}) {
+        m_packer.setMessageType(type);
+        ASSERT_EQ(pack(fileList, QStringLiteral("\u00C4pfel")), 0);
+        MmsPartReader reader;
+        ASSERT_TRUE(reader.read(read("mms.wap"))) << reader.error().toStdString();
+        QStringList names;
+        for (const MmsPartReader::Part& part : reader.parts()) {
+            names << part.name;
+            EXPECT_EQ(part.data, read(part.name)) << part.name.toStdString();
+        }
+        EXPECT_EQ(names, (QStringList{"mms.smil", "Slide1.txt", "a.jpg", "b.amr"}));
+    }
+    const QByteArray whole = read("mms.wap");
+    for (qsizetype cut = 0; cut < whole.size(); cut += 37) {
+        MmsPartReader reader;
+        EXPECT_FALSE(reader.read(whole.left(cut))) << cut;
+        EXPECT_LT(reader.parts().size(), 4);
+    }
+}

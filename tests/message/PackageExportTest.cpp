@@ -1,7 +1,6 @@
 #include "AppGlobals.h"
 #include "PackageDefinition.h"
-#include "SettingsBootstrap.h"
-#include "TempDataHome.h"
+#include "WorkFolderTest.h"
 #include "clsMMSManager.h"
 #include "clsPropertiesXML.h"
 
@@ -25,12 +24,10 @@ TEST(PackageDefinitionTest, TheFiveLinesOfATwoFilePackage) {
                      }));
 }
 
-class PackageExportTest : public TempDataHome {
+class PackageExportTest : public WorkFolderTest {
 protected:
     void SetUp() override {
-        TempDataHome::SetUp();
-        AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
-        m_manager.InitializeFromSettings();
+        WorkFolderTest::SetUp();
         m_out = dataFile("out/");
         QDir().mkpath(m_out);
         m_message = m_manager.CreateMsg();
@@ -59,7 +56,6 @@ protected:
         return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256).toHex();
     }
 
-    clsMMSManager m_manager;
     clsMessage* m_message = nullptr;
     QString m_out;
 };

@@ -1,8 +1,7 @@
 #include "AppGlobals.h"
-#include "SettingsBootstrap.h"
 #include "SmilDocument.h"
-#include "TempDataHome.h"
 #include "VbFormat.h"
+#include "WorkFolderTest.h"
 #include "clsMMSManager.h"
 #include "clsPropertiesXML.h"
 
@@ -38,13 +37,10 @@ QStringList tarMembers(const QString& archive) {
 }
 } // namespace
 
-class SmilExportTest : public TempDataHome {
+class SmilExportTest : public WorkFolderTest {
 protected:
     void SetUp() override {
-        TempDataHome::SetUp();
-        AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
-        m_manager.InitializeFromSettings();
-        m_work = m_manager.GetWorkFolderPath();
+        WorkFolderTest::SetUp();
         m_out = dataFile("out/");
         QDir().mkpath(m_out);
         buildMessage();
@@ -77,9 +73,7 @@ protected:
         return m_manager.ExportMMS(*m_message, kind, format, m_out + name, overwrite);
     }
 
-    clsMMSManager m_manager;
     clsMessage* m_message = nullptr;
-    QString m_work;
     QString m_out;
 };
 
