@@ -1,9 +1,5 @@
-#include "AppGlobals.h"
 #include "FakeClock.h"
-#include "SettingsBootstrap.h"
-#include "TempDataHome.h"
-#include "clsMMSManager.h"
-#include "clsPropertiesXML.h"
+#include "ManagerFixture.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -20,18 +16,9 @@ QStringList run(const QString& program, const QStringList& arguments, int* exitC
 }
 } // namespace
 
-class MmsManagerTest : public TempDataHome {
+class MmsManagerTest : public ManagerFixture {
 protected:
-    void SetUp() override {
-        TempDataHome::SetUp();
-        AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
-        m_manager.InitializeFromSettings();
-        m_work = m_manager.GetWorkFolderPath();
-    }
     QStringList workFiles() const { return QDir(m_work).entryList(QDir::Files, QDir::Name); }
-
-    clsMMSManager m_manager;
-    QString m_work;
 };
 
 TEST_F(MmsManagerTest, FoldersComeFromTheSettings) {

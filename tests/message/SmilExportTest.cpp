@@ -1,10 +1,6 @@
-#include "AppGlobals.h"
-#include "SettingsBootstrap.h"
+#include "ManagerFixture.h"
 #include "SmilDocument.h"
-#include "TempDataHome.h"
 #include "VbFormat.h"
-#include "clsMMSManager.h"
-#include "clsPropertiesXML.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -38,13 +34,10 @@ QStringList tarMembers(const QString& archive) {
 }
 } // namespace
 
-class SmilExportTest : public TempDataHome {
+class SmilExportTest : public ManagerFixture {
 protected:
     void SetUp() override {
-        TempDataHome::SetUp();
-        AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
-        m_manager.InitializeFromSettings();
-        m_work = m_manager.GetWorkFolderPath();
+        ManagerFixture::SetUp();
         m_out = dataFile("out/");
         QDir().mkpath(m_out);
         buildMessage();
@@ -77,9 +70,7 @@ protected:
         return m_manager.ExportMMS(*m_message, kind, format, m_out + name, overwrite);
     }
 
-    clsMMSManager m_manager;
     clsMessage* m_message = nullptr;
-    QString m_work;
     QString m_out;
 };
 
@@ -247,7 +238,8 @@ TEST_F(SmilExportTest, BadPresentationsGiveNoMessageAndLeaveTheWorkFolder) {
         EXPECT_EQ(m_manager.ImportMMS(folder + file, kind), nullptr) << file;
         EXPECT_FALSE(m_manager.GetExportImportStatus().isEmpty()) << file;
     }
-    EXPECT_TRUE(m_manager.GetExportImportStatus().contains("not a template"));
+    EXPECT_TRUE(m_manager.GetExportImportStatus().contains(
+        "fake.tpl cannot be used: it is no tar archive"));
     EXPECT_EQ(QDir(m_work).entryList(QDir::Files), before) << "the open message keeps its files";
     EXPECT_EQ(m_manager.message(), m_message);
 }
