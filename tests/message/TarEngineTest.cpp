@@ -384,6 +384,21 @@ TEST_F(TarEngineTest, PackingKeepsWithinTheLimitsUnpackingHolds) {
     EXPECT_TRUE(engine.lastError().contains("at most 2500 bytes"));
 }
 
+// A message of 10,000 slides holds a slide file for each, and more.
+TEST_F(TarEngineTest, AMessageOfTenThousandSlidesFitsTheStandardLimits) {
+    const QString folder = path("many");
+    QDir().mkpath(folder);
+    for (int i = 1; i <= 10050; ++i) {
+        QFile file(folder + QString("/Slide_%1.bmp").arg(i));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    ASSERT_EQ(m_engine.run(packLine(path("many.mms"), folder)), TarEngine::Success)
+        << m_engine.lastError().toStdString();
+    ASSERT_EQ(m_engine.run(unpackLine(path("many.mms"), path("back"))), TarEngine::Success)
+        << m_engine.lastError().toStdString();
+    EXPECT_EQ(QDir(path("back")).entryList(QDir::Files).size(), 10050);
+}
+
 TEST_F(TarEngineTest, DamagedArchiveLeavesNoHalfMember) {
     const QString source = path("src");
     writeFile(source + "/first.txt", "complete");
