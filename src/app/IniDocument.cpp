@@ -31,7 +31,7 @@ IniDocument IniDocument::load(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return document;
-    QStringList lines = TextDecoder::utf8OrLatin1(file.readAll()).split(QLatin1Char('\n'));
+    QStringList lines = TextDecoder::decode(file.readAll()).split(QLatin1Char('\n'));
     if (!lines.isEmpty() && lines.last().isEmpty())
         lines.removeLast(); // the end of the last line, not a line of its own
     for (QString line : lines) {

@@ -16,9 +16,8 @@ const QByteArray kMagic("#!AMR\n");
 constexpr std::array<int, 16> kPayloadBytes{12, 13, 15, 17, 19, 20, 26, 31,
                                             5,  -1, -1, -1, -1, -1, -1, 0};
 constexpr int kMaxFrameBytes = 32;
-// One-byte "no data" frames decode to 320 bytes each; an hour of sound bounds
-// what a hostile file can make us allocate.
-constexpr qsizetype kMaxPcmBytes = qsizetype(8000) * 2 * 3600;
+// What the size fields of a WAV file can count: some 74 hours at 8000 Hz.
+constexpr qint64 kMaxWavDataBytes = qint64(0xFFFFFFFF) - 36;
 
 struct EncoderFree {
     void operator()(void* s) const { Encoder_Interface_exit(s); }
@@ -26,6 +25,10 @@ struct EncoderFree {
 struct DecoderFree {
     void operator()(void* s) const { Decoder_Interface_exit(s); }
 };
+
+bool writeBlock(QIODevice& out, const QByteArray& bytes) {
+    return out.write(bytes) == bytes.size();
+}
 
 bool writeAll(const QString& path, const QByteArray& bytes) {
     AtomicFile file(path);
@@ -64,6 +67,8 @@ int AmrConverter::wav2amr(const QString& source, const QString& target) {
     return writeAll(target, out) ? Ok : TargetUnwritable;
 }
 
+// Decoded straight into the WAV file, whatever the length: a few bytes of AMR
+// become 320 bytes of sound each, which memory must not have to hold.
 int AmrConverter::amr2wav(const QString& source, const QString& target) {
     QFile file(source);
     if (!file.open(QIODevice::ReadOnly))
@@ -75,24 +80,36 @@ int AmrConverter::amr2wav(const QString& source, const QString& target) {
     std::unique_ptr<void, DecoderFree> decoder(Decoder_Interface_init());
     if (!decoder)
         return CodecFailed;
-    QByteArray pcm;
+    const PcmFormat format{kSampleRate, 1, 16};
+    AtomicFile out(target);
+    if (!out.open(QIODevice::WriteOnly) || !writeBlock(out, WavFile::header(format, 0)))
+        return TargetUnwritable;
+    qint64 pcmBytes = 0;
     std::array<unsigned char, kMaxFrameBytes> frame{};
     std::array<short, kFrameSamples> block{};
-    for (qsizetype pos = kMagic.size(); pos < bytes.size() && pcm.size() < kMaxPcmBytes;) {
+    for (qsizetype pos = kMagic.size(); pos < bytes.size();) {
         const int payload = kPayloadBytes[(static_cast<unsigned char>(bytes[pos]) >> 3) & 0x0F];
         if (payload < 0)
             return CorruptSource;
         if (pos + 1 + payload > bytes.size())
             break; // a frame cut off at the end of the file is dropped
+        if (pcmBytes + qint64(sizeof block) > kMaxWavDataBytes)
+            return TooLong;
         frame.fill(0);
         std::copy_n(bytes.constData() + pos, 1 + payload, frame.begin());
         Decoder_Interface_Decode(decoder.get(), frame.data(), block.data(), 0);
-        pcm.append(reinterpret_cast<const char*>(block.data()), sizeof block);
+        if (!writeBlock(out, QByteArray(reinterpret_cast<const char*>(block.data()), sizeof block)))
+            return TargetUnwritable;
+        pcmBytes += qint64(sizeof block);
         pos += 1 + payload;
     }
-    if (pcm.isEmpty())
+    // Bytes after the mark that make no whole frame are no sound; none at all is an empty one.
+    if (pcmBytes == 0 && bytes.size() > kMagic.size())
         return CorruptSource;
-    return WavFile::write(target, PcmSound({kSampleRate, 1, 16}, pcm)) ? Ok : TargetUnwritable;
+    return out.seek(0) && writeBlock(out, WavFile::header(format, quint32(pcmBytes))) &&
+                   out.commit()
+               ? Ok
+               : TargetUnwritable;
 }
 
 QString AmrConverter::errorText(int result) {
@@ -109,6 +126,8 @@ QString AmrConverter::errorText(int result) {
         return QStringLiteral("the source file is damaged or of the wrong kind");
     case CodecFailed:
         return QStringLiteral("the AMR codec failed");
+    case TooLong:
+        return QStringLiteral("the sound is longer than a WAV file can hold");
     }
     return QStringLiteral("unknown conversion error %1").arg(result);
 }

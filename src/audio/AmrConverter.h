@@ -15,6 +15,7 @@ public:
         TargetUnwritable = 3,
         CorruptSource = 4,
         CodecFailed = 5,
+        TooLong = 6,
     };
 
     static int wav2amr(const QString& source, const QString& target);

@@ -42,6 +42,16 @@ QString unquoted(QString text) {
     return text;
 }
 
+// A path as written in a command: in quotes, which are then not part of it,
+// or bare, when every character is the path's own (a quote inside included).
+int pathOf(QString written, QString& path) {
+    const QString text = written.trimmed();
+    if (text.startsWith(QLatin1Char('"')) && (text.size() < 2 || !text.endsWith(QLatin1Char('"'))))
+        return MciError::NoClosingQuote;
+    path = unquoted(text);
+    return MciError::None;
+}
+
 QString key(const QString& alias) {
     return alias.toLower();
 }
@@ -87,16 +97,22 @@ int Mci::mciSendString(const QString& command, QString* reply, int replySize) {
 }
 
 int Mci::execute(const QString& command, QString& reply) {
-    QStringList words;
-    if (const int error = splitWords(command, words); error != MciError::None)
-        return error;
-    if (command.count(QLatin1Char('"')) % 2)
-        return MciError::NoClosingQuote;
-    if (words.isEmpty())
-        return MciError::MissingCommandString;
-    const QString verb = words[0].toLower();
+    const QString verb = command.trimmed().section(QLatin1Char(' '), 0, 0).toLower();
+    // A file name may hold anything, quotes included: the commands that end
+    // in one read it themselves instead of splitting it into words.
     if (verb == QLatin1String("open"))
         return open(command.trimmed().mid(4));
+    QStringList words;
+    if (verb == QLatin1String("save")) {
+        words = command.trimmed().split(QRegularExpression(QStringLiteral("\\s+"))).mid(0, 2);
+    } else {
+        if (const int error = splitWords(command, words); error != MciError::None)
+            return error;
+        if (command.count(QLatin1Char('"')) % 2)
+            return MciError::NoClosingQuote;
+    }
+    if (words.isEmpty())
+        return MciError::MissingCommandString;
     static const QStringList deviceVerbs{"close", "play", "stop",  "record",
                                          "save",  "set",  "status"};
     if (!deviceVerbs.contains(verb))
@@ -109,31 +125,44 @@ int Mci::execute(const QString& command, QString& reply) {
 }
 
 // "open ELEMENT [type T] [alias A] [buffer N]", where ELEMENT is "new",
-// "TYPE!PATH" or a PATH; the path may hold blanks, so it runs up to the
-// options that end the command.
+// "TYPE!PATH" or a PATH. The path may hold blanks, quotes and even the
+// option words, so the options are taken from the end of the command, each
+// once, and the path is all that comes before them. After "TYPE!" the type is
+// given, so a "type" there belongs to the file's name, and a buffer is a number.
 int Mci::open(const QString& arguments) {
-    static const QRegularExpression pattern(
-        QStringLiteral(R"(^\s*(.+?)((?:\s+(?:alias|type|buffer)\s+(?:"[^"]*"|\S+))*)\s*$)"),
-        QRegularExpression::CaseInsensitiveOption);
-    const QRegularExpressionMatch match = pattern.match(arguments);
-    if (!match.hasMatch())
-        return MciError::MissingParameter;
-    QStringList words;
     MciOptions options;
-    if (const int error = splitWords(match.captured(2), words); error != MciError::None)
-        return error;
-    if (const int error = options.parse(words, {"alias", "type", "buffer"});
-        error != MciError::None)
-        return error;
+    QString element = arguments.trimmed();
+    const bool typed = element.contains(QLatin1Char('!'));
+    const QStringList allowed =
+        typed ? QStringList{"alias"} : QStringList{"alias", "type", "buffer"};
+    static const QRegularExpression trailing(
+        QStringLiteral(R"re(\s+([A-Za-z]+)\s+("[^"]*"|[^\s"]+)$)re"));
+    for (QRegularExpressionMatch match = trailing.match(element); match.hasMatch();
+         match = trailing.match(element)) {
+        const QString keyword = match.captured(1).toLower();
+        const bool number = match.captured(2).toUInt() > 0 || match.captured(2) == u'0';
+        if (!allowed.contains(keyword) || options.has(keyword) ||
+            (keyword == QLatin1String("buffer") && !number))
+            break;
+        options.add(keyword, unquoted(match.captured(2)));
+        element.truncate(match.capturedStart());
+    }
+    if (element.isEmpty())
+        return MciError::MissingParameter;
     int error = MciError::None;
     options.number("buffer", &error);
     if (error != MciError::None)
         return error;
 
-    const QString element = unquoted(match.captured(1));
+    // Either the whole element or the path after "TYPE!" may be in quotes.
+    if (const int quoting = pathOf(element, element); quoting != MciError::None)
+        return quoting;
     const qsizetype bang = element.indexOf(QLatin1Char('!'));
     const QString type = (bang > 0 ? element.left(bang) : options.value("type")).toLower();
-    const QString path = bang > 0 ? unquoted(element.mid(bang + 1)) : element;
+    QString path = element;
+    if (const int quoting = bang > 0 ? pathOf(element.mid(bang + 1), path) : MciError::None;
+        quoting != MciError::None)
+        return quoting;
     const bool isNew = bang < 0 && path.compare(QLatin1String("new"), Qt::CaseInsensitive) == 0;
     if (type.isEmpty())
         return MciError::DeviceTypeRequired;
@@ -228,7 +257,10 @@ int Mci::save(MciDevice& device, const QString& command) {
     const QRegularExpressionMatch match = pattern.match(command);
     if (!match.hasMatch())
         return MciError::FilenameRequired;
-    const int result = device.save(unquoted(match.captured(1)));
+    QString path;
+    if (const int quoting = pathOf(match.captured(1), path); quoting != MciError::None)
+        return quoting;
+    const int result = device.save(path);
     if (result != MciError::None)
         m_lastDetail = device.errorDetail();
     return result;

@@ -17,10 +17,14 @@ int MciOptions::parse(const QStringList& words, const QStringList& keywords) {
             return MciError::DuplicateFlags;
         if (i >= words.size())
             return MciError::MissingParameter;
-        m_values.insert(keyword, words[i++]);
-        m_order.append(keyword);
+        add(keyword, words[i++]);
     }
     return MciError::None;
+}
+
+void MciOptions::add(const QString& keyword, const QString& value) {
+    m_values.insert(keyword, value);
+    m_order.append(keyword);
 }
 
 std::optional<std::int64_t> MciOptions::number(const QString& keyword, int* error) const {

@@ -14,6 +14,9 @@ public:
     // Reads the words, accepting only the given keywords; returns an error number.
     int parse(const QStringList& words, const QStringList& keywords);
 
+    // One keyword and its value, read by the caller itself.
+    void add(const QString& keyword, const QString& value);
+
     bool has(const QString& keyword) const { return m_values.contains(keyword); }
     QString value(const QString& keyword) const { return m_values.value(keyword); }
     // A whole number of 32 bits without sign, or an error number in *error

@@ -103,11 +103,8 @@ WavFile::Error WavFile::read(const QString& path, PcmSound& sound) {
     return parse(file.readAll(), sound);
 }
 
-QByteArray WavFile::toBytes(const PcmSound& sound) {
-    const PcmFormat& f = sound.format();
-    const auto dataSize = static_cast<quint32>(sound.data().size());
+QByteArray WavFile::header(const PcmFormat& f, quint32 dataSize) {
     QByteArray out;
-    out.reserve(44 + sound.data().size() + 1);
     out.append("RIFF");
     putU32(out, 36 + dataSize + (dataSize & 1));
     out.append("WAVEfmt ");
@@ -120,6 +117,12 @@ QByteArray WavFile::toBytes(const PcmSound& sound) {
     putU16(out, static_cast<quint16>(f.bitsPerSample));
     out.append("data");
     putU32(out, dataSize);
+    return out;
+}
+
+QByteArray WavFile::toBytes(const PcmSound& sound) {
+    const auto dataSize = static_cast<quint32>(sound.data().size());
+    QByteArray out = header(sound.format(), dataSize);
     out.append(sound.data());
     if (dataSize & 1)
         out.append('\0');

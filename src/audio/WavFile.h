@@ -17,6 +17,9 @@ public:
     // Writes through a temporary file that replaces the target only when complete.
     static bool write(const QString& path, const PcmSound& sound);
     static QByteArray toBytes(const PcmSound& sound);
+    // The 44 bytes before dataSize bytes of sound in format, for a writer
+    // that streams the sound after them.
+    static QByteArray header(const PcmFormat& format, quint32 dataSize);
 
     static QString errorText(Error error);
 };

@@ -7,16 +7,20 @@ QString WavTrimmer::trim(const QString& source, const QString& target, std::int6
     PcmSound sound;
     if (const auto error = WavFile::read(source, sound); error != WavFile::Error::None)
         return WavFile::errorText(error);
-    if (fromMs == -1 || toMs == -1) {
-        fromMs = 0;
-        toMs = sound.lengthMs();
-    }
+    // The whole sound is every frame it has, also the ones after its last
+    // whole millisecond, and also none at all.
+    if (fromMs == -1 || toMs == -1)
+        return write(target, sound);
     if (fromMs < 0 || fromMs >= toMs || toMs > sound.lengthMs())
         return QStringLiteral("the range %1..%2 ms does not lie within the sound's %3 ms")
             .arg(fromMs)
             .arg(toMs)
             .arg(sound.lengthMs());
-    if (!WavFile::write(target, sound.slice(sound.msToFrame(fromMs), sound.msToFrame(toMs))))
+    return write(target, sound.slice(sound.msToFrame(fromMs), sound.msToFrame(toMs)));
+}
+
+QString WavTrimmer::write(const QString& target, const PcmSound& sound) {
+    if (!WavFile::write(target, sound))
         return QStringLiteral("cannot write %1").arg(target);
     return {};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PcmSound.h"
+
 #include <QString>
 #include <cstdint>
 
@@ -12,4 +14,7 @@ public:
     // otherwise why it failed.
     static QString trim(const QString& source, const QString& target, std::int64_t fromMs,
                         std::int64_t toMs);
+
+private:
+    static QString write(const QString& target, const PcmSound& sound);
 };

@@ -21,6 +21,15 @@ void CliOutput::warning(const QString& message) {
     QTextStream(stderr) << "vellumo-cli: warning: " << message << Qt::endl;
 }
 
+void CliOutput::progress(int slide, int count) {
+    // Every slide would cost more time on a slow terminal than the work itself.
+    constexpr int kStep = 100;
+    if (slide % kStep != 0 && slide != count)
+        return;
+    QTextStream(stderr) << "\rvellumo-cli: slide " << slide << " of " << count
+                        << (slide == count ? "\n" : "") << Qt::flush;
+}
+
 QSize CliOutput::parseSize(const QString& text) {
     const QStringList parts = text.toLower().split(QLatin1Char('x'));
     bool okWidth = false, okHeight = false;

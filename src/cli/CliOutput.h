@@ -13,6 +13,8 @@ public:
     static int error(const QString& message);
     // Prints "vellumo-cli: warning: <message>" and goes on.
     static void warning(const QString& message);
+    // "slide N of COUNT" on one line of a terminal, rewritten as work goes on.
+    static void progress(int slide, int count);
     // Parses "WxH" ("176x144"); an invalid size when the text is not one.
     static QSize parseSize(const QString& text);
     // Takes "--name VALUE" out of the arguments; "" when it is not there.

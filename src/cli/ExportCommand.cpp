@@ -53,13 +53,17 @@ int ExportCommand::run(const QStringList& original) {
         if (!message)
             return clsMMSManager::ExportFailed;
         const QString target = QFileInfo(arguments[1]).absoluteFilePath();
-        if (kind->second == kBinaryMms)
-            return exportBinary(session.manager(), *message, format->second, target, overwrite,
-                                retrieve);
-        const int result =
-            session.manager().ExportMMS(*message, kind->second, format->second, target, overwrite);
-        if (result != clsMMSManager::ExportOk)
-            CliOutput::error("export: " + session.manager().GetExportImportStatus());
+        clsMMSManager& manager = session.manager();
+        int result = clsMMSManager::ExportOk;
+        if (kind->second == kBinaryMms) {
+            result = exportBinary(manager, *message, format->second, target, overwrite, retrieve);
+        } else {
+            result = manager.ExportMMS(*message, kind->second, format->second, target, overwrite);
+            if (result != clsMMSManager::ExportOk)
+                CliOutput::error("export: " + manager.GetExportImportStatus());
+        }
+        for (const QString& note : manager.exportImportNotes())
+            CliOutput::warning("export: " + note);
         return result;
     } catch (const AppError& error) {
         CliOutput::error("export: " + error.description());

@@ -19,6 +19,8 @@ int ImportCommand::run(const QStringList& arguments) {
         clsMMSManager& manager = session.manager();
         if (!manager.ImportMMS(QFileInfo(arguments[0]).absoluteFilePath(), kind))
             return CliOutput::error("import: " + manager.GetExportImportStatus());
+        for (const QString& note : manager.exportImportNotes())
+            CliOutput::warning("import: " + note);
         if (!manager.SaveMsg(QFileInfo(arguments[1]).absoluteFilePath()))
             return CliOutput::error("import: " + manager.lastError());
         return 0;

@@ -60,8 +60,10 @@ bool SmilExporter::run(clsMessage& message, const Progress& progress) {
     const int count = message.Slides().Count();
     for (const auto& slide : message.Slides()) {
         progress(slide->index(), count);
-        if (slide->Duration() < 1)
+        if (slide->Duration() < 1) {
+            m_skipped << QString::number(slide->index());
             continue;
+        }
         pugi::xml_node par = body.append_child("par");
         DomAttributes::set(par, "dur",
                            SmilDocument::formatDuration(slide->Duration(), m_durationFormat));

@@ -25,6 +25,8 @@ public:
     bool run(clsMessage& message, const Progress& progress);
     QString status() const { return m_status; }
     QStringList files() const { return m_files; }
+    // Slides left out for lasting less than 1 ms, by number.
+    QStringList skippedSlides() const { return m_skipped; }
     QString presentationName() const;
     QString textsIndexName() const;
 
@@ -48,5 +50,6 @@ private:
     pugi::xml_document m_smil;
     pugi::xml_document m_texts;
     QStringList m_files;
+    QStringList m_skipped;
     QString m_status;
 };

@@ -279,6 +279,9 @@ int TarEngine::writeArchive(const QString& target, bool gzip, const QList<PackEn
     if (gzip) {
         archive_write_add_filter_gzip(writer.get());
         archive_write_set_filter_option(writer.get(), "gzip", "timestamp", nullptr);
+        // The file ends where the gzip stream ends: block padding after it is
+        // read by gzip as trailing garbage.
+        archive_write_set_bytes_in_last_block(writer.get(), 1);
     }
     if (archive_write_open(writer.get(), &file, nullptr, writeToSaveFile, nullptr) != ARCHIVE_OK)
         return failWith(WriteFailed, archiveError(writer.get()));

@@ -15,7 +15,9 @@ struct archive_entry;
 struct TarLimits {
     qint64 memberBytes = qint64(256) << 20; // one member
     qint64 totalBytes = qint64(1) << 30;    // all members together, as declared
-    int members = 10000;                    // headers read, whatever their kind
+    // Headers read, whatever their kind: room for a message of many thousand
+    // slides, each with its slide file, background, sound and pictures.
+    int members = 100000;
 };
 
 // The tar engine the message files go through, driven by command lines (see

@@ -342,6 +342,7 @@ void clsMMSManager::dropMissingMedia(clsMessage& message, const QHash<QString, Q
 
 int clsMMSManager::ExportMMS(clsMessage& message, int kind, int durationFormat,
                              const QString& target, bool overwrite) {
+    m_notes.clear();
     ClearTemplateFileType();
     if (kind == ExportTemplate || kind == ExportPackage)
         SetTemplateFileType();
@@ -361,6 +362,10 @@ int clsMMSManager::ExportMMS(clsMessage& message, int kind, int durationFormat,
     if (!exporter.run(message,
                       [this](int slide, int count) { emit ProsessingSlide(slide, count); }))
         return exportFailed(exporter.status());
+    if (!exporter.skippedSlides().isEmpty())
+        m_notes << AppGlobals::text("STR_EXPORT_SKIPPED_SLIDES",
+                                    "Left out for lasting less than 1 ms: slide %0.",
+                                    {exporter.skippedSlides().join(QLatin1String(", "))});
     if (kind == ExportTemplate && !packTemplate(folder, kPackageBaseName, message.MMSFileList()))
         return ExportFailed;
     if (kind == ExportPackage && !buildPackage(folder, kPackageBaseName, message.MMSFileList()))
@@ -464,6 +469,7 @@ QString clsMMSManager::runPackageBuilder(const QString& definition) {
 
 clsMessage* clsMMSManager::ImportMMS(const QString& path, int kind) {
     m_exportStatus.clear();
+    m_notes.clear();
     const QString smil = AppPaths::toDisk(path);
     if (kind == ImportTemplate) {
         const QString folder = GetTempFolderPath("tpldir");
@@ -473,17 +479,40 @@ clsMessage* clsMMSManager::ImportMMS(const QString& path, int kind) {
         }
         // The unpacked media are copied into the work folder; nothing stays behind.
         const auto removeUnpacked = qScopeGuard([folder] { DeleteFolder(folder); });
-        if (!m_tar.isArchive(smil) ||
-            !runTar("--use-directory=0 --display-dialog=0 -xvf " + quoted(smil) + " -o  " +
-                    quoted(withoutTrailingSlash(folder)))) {
-            m_exportStatus = smil + " is not a template archive.";
-            return nullptr;
-        }
-        return importSmil(folder + "mms.smil", folder + "texts.xml");
+        return unpackTemplate(smil, folder)
+                   ? importSmil(templatePresentation(folder), folder + "texts.xml")
+                   : nullptr;
     }
     const QString folder = GetPathFromFilename(smil, 1);
     const QString own = folder + GetFilenameFromPath(smil, false) + "_texts.xml";
     return importSmil(smil, QFileInfo::exists(own) ? own : folder + "texts.xml");
+}
+
+bool clsMMSManager::unpackTemplate(const QString& archive, const QString& folder) {
+    const auto refuse = [this, &archive](const QString& why) {
+        m_exportStatus = AppGlobals::text("STR_IMPORT_TEMPLATE_REFUSED",
+                                          "The template %0 cannot be used: %1", {archive, why});
+        return false;
+    };
+    if (!m_tar.isArchive(archive))
+        return refuse(AppGlobals::text("STR_IMPORT_NOT_AN_ARCHIVE", "it is no tar archive."));
+    if (!runTar("--use-directory=0 --display-dialog=0 -xvf " + quoted(archive) + " -o  " +
+                quoted(withoutTrailingSlash(folder))))
+        return refuse(m_lastError);
+    if (templatePresentation(folder).isEmpty())
+        return refuse(AppGlobals::text("STR_IMPORT_NO_PRESENTATION", "it holds no mms.smil."));
+    return true;
+}
+
+// A template holds "mms.smil"; one written where letter case does not matter
+// may hold "MMS.SMIL", and one made by hand its only SMIL file under another name.
+QString clsMMSManager::templatePresentation(const QString& folder) {
+    const QStringList presentations =
+        QDir(folder).entryList({"*.smil"}, QDir::Files | QDir::Hidden);
+    for (const QString& name : presentations)
+        if (name.compare(QLatin1String("mms.smil"), Qt::CaseInsensitive) == 0)
+            return folder + name;
+    return presentations.size() == 1 ? folder + presentations.first() : QString();
 }
 
 clsMessage* clsMMSManager::importSmil(const QString& smil, const QString& textsIndex) {
@@ -492,15 +521,21 @@ clsMessage* clsMMSManager::importSmil(const QString& smil, const QString& textsI
         m_exportStatus = importer.error();
         return nullptr;
     }
+    m_notes = importer.notes();
     return buildImported(importer);
 }
 
 // Everything was read and checked before: only now is the work folder emptied.
+// A file that several slides name is copied and measured once.
 clsMessage* clsMMSManager::buildImported(const SmilImporter& importer) {
     clsMessage* message = CreateMsg();
     message->setName(QStringLiteral("import"));
+    ImportedFiles copies;
+    const int count = int(importer.slides().size());
+    int number = 0;
     for (const SmilImporter::Slide& imported : importer.slides()) {
-        if (!fillImportedSlide(message->Slides().Add(), imported)) {
+        emit ProsessingSlide(++number, count);
+        if (!fillImportedSlide(message->Slides().Add(), imported, copies)) {
             // A copy that failed half-way (a full disk) leaves no half message behind.
             emptyWorkFolder();
             m_message.reset();
@@ -511,25 +546,36 @@ clsMessage* clsMMSManager::buildImported(const SmilImporter& importer) {
     return message;
 }
 
-bool clsMMSManager::fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& imported) {
+bool clsMMSManager::fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& imported,
+                                      ImportedFiles& copies) {
     slide.setDuration(imported.duration);
     slide.setText(imported.text);
     if (!imported.picture.isEmpty()) {
-        const QString name = copyIntoWorkFolder("B", imported.picture);
+        const QString name = copyOnce("B", imported.picture, copies);
         if (name.isEmpty())
             return false;
         slide.DrawObjects().setBackType(clsDrawObjects::KindOfFile(name));
         slide.DrawObjects().setBackPicture(name);
     }
     if (!imported.sound.isEmpty()) {
-        const QString name = copyIntoWorkFolder("A", imported.sound);
+        const QString name = copyOnce("A", imported.sound, copies);
         if (name.isEmpty())
             return false;
         slide.setSound(name);
         slide.setSoundName(GetFilenameFromPath(imported.sound, false));
-        slide.setSoundDuration(soundLength(m_workFolder + name));
+        if (!copies.soundLengths.contains(name))
+            copies.soundLengths.insert(name, soundLength(m_workFolder + name));
+        slide.setSoundDuration(copies.soundLengths.value(name));
     }
     return true;
+}
+
+QString clsMMSManager::copyOnce(const QString& prefix, const QString& source,
+                                ImportedFiles& copies) {
+    QString& name = copies.names[source];
+    if (name.isEmpty())
+        name = copyIntoWorkFolder(prefix, source);
+    return name;
 }
 
 qint64 clsMMSManager::soundLength(const QString& path) {

@@ -85,6 +85,9 @@ public:
     // nullptr, with the status saying why, when it cannot be read.
     clsMessage* ImportMMS(const QString& path, int kind);
     QString GetExportImportStatus() const { return m_exportStatus; }
+    // What the last import or export took otherwise than it was written (a
+    // slide whose duration reads as 0 ms, a slide left out), one line each.
+    QStringList exportImportNotes() const { return m_notes; }
     // The exported SMIL set of folder as a binary MMS, folder + baseName + ".wap".
     bool SaveAsMMS(const QString& folder, const QString& baseName, const QString& fileList,
                    const QString& messageName,
@@ -131,9 +134,18 @@ private:
     bool packTemplate(const QString& folder, const QString& baseName, const QString& fileList);
     bool buildPackage(const QString& folder, const QString& baseName, const QString& fileList);
     QString runPackageBuilder(const QString& definition);
+    bool unpackTemplate(const QString& archive, const QString& folder);
+    static QString templatePresentation(const QString& folder);
     clsMessage* importSmil(const QString& smil, const QString& textsIndex);
     clsMessage* buildImported(const SmilImporter& importer);
-    bool fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& imported);
+    // Work-folder names of the files an import copied in, by source path.
+    struct ImportedFiles {
+        QHash<QString, QString> names;
+        QHash<QString, qint64> soundLengths;
+    };
+    bool fillImportedSlide(clsSlide& slide, const SmilImporter::Slide& imported,
+                           ImportedFiles& copies);
+    QString copyOnce(const QString& prefix, const QString& source, ImportedFiles& copies);
     QString copyIntoWorkFolder(const QString& prefix, const QString& source);
     int exportFailed(const QString& status);
 
@@ -149,6 +161,7 @@ private:
     QStringList m_missingMedia;
     QString m_lastError;
     QString m_exportStatus;
+    QStringList m_notes;
     bool m_templateFileType = false;
     bool m_saveAsMmsOk = false;
     int m_saveAsMmsCode = 0;

@@ -3,8 +3,10 @@
 #include "AppPaths.h"
 #include "DomAttributes.h"
 #include "PlainFileName.h"
+#include "TextDecoder.h"
 
 #include <QDir>
+#include <QFile>
 
 namespace {
 using A = DomAttributes;
@@ -25,11 +27,7 @@ clsMessage::clsMessage() = default;
 void clsMessage::Initialize(const QString& xmlPath, const QString& name,
                             const QString& workFolder) {
     m_path = workFolder;
-    const bool loaded =
-        !xmlPath.isEmpty() &&
-        m_document.load_file(AppPaths::toDisk(xmlPath).toLocal8Bit().constData(),
-                             pugi::parse_default | pugi::parse_declaration, pugi::encoding_utf8) &&
-        m_document.child("ROOT");
+    const bool loaded = !xmlPath.isEmpty() && loadFile(xmlPath);
     m_loaded = loaded;
     if (loaded)
         A::cleanTree(m_document);
@@ -37,6 +35,24 @@ void clsMessage::Initialize(const QString& xmlPath, const QString& name,
         startSkeleton();
     attachDocument(name);
     m_changed = true;
+}
+
+// Other programs save the message in UTF-16 or a code page of their own; it is
+// read in the encoding it has and kept as UTF-8, saying so in its declaration.
+bool clsMessage::loadFile(const QString& xmlPath) {
+    QFile file(AppPaths::toDisk(xmlPath));
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray xml = TextDecoder::xmlAsUtf8(file.readAll());
+    if (!m_document.load_buffer(xml.constData(), size_t(xml.size()),
+                                pugi::parse_default | pugi::parse_declaration,
+                                pugi::encoding_utf8) ||
+        !m_document.child("ROOT"))
+        return false;
+    const pugi::xml_node declaration = m_document.first_child();
+    if (declaration.type() == pugi::node_declaration && declaration.attribute("encoding"))
+        declaration.attribute("encoding").set_value("utf-8");
+    return true;
 }
 
 bool clsMessage::ReplaceDocument(const QByteArray& xml) {

@@ -78,6 +78,7 @@ public:
     QString lastError() const { return m_lastError; }
 
 private:
+    bool loadFile(const QString& xmlPath);
     void startSkeleton();
     // Finds ROOT and MESSAGE (creating MESSAGE named name when missing) and
     // wraps the slides.

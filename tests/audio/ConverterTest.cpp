@@ -5,6 +5,7 @@
 #include "WavFile.h"
 #include "clsPropertiesXML.h"
 
+#include <QProcess>
 #include <QStandardPaths>
 
 #define REQUIRE_FFMPEG()                                                                           \
@@ -51,8 +52,8 @@ TEST_F(ConverterTest, ConvertersRefuseWrongAndDamagedInput) {
     writeBytes(path("reserved.amr"), QByteArray("#!AMR\n\x4c", 7) + QByteArray(40, '\x11'));
     EXPECT_EQ(AmrConverter::amr2wav(path("reserved.amr"), path("x.wav")),
               AmrConverter::CorruptSource);
-    writeBytes(path("empty.amr"), "#!AMR\n");
-    EXPECT_EQ(AmrConverter::amr2wav(path("empty.amr"), path("x.wav")), AmrConverter::CorruptSource);
+    writeBytes(path("half.amr"), QByteArray("#!AMR\n\x3c", 7));
+    EXPECT_EQ(AmrConverter::amr2wav(path("half.amr"), path("x.wav")), AmrConverter::CorruptSource);
     EXPECT_FALSE(QFile::exists(path("x.wav")));
     EXPECT_FALSE(QFile::exists(path("x.amr")));
 
@@ -66,6 +67,36 @@ TEST_F(ConverterTest, ConvertersRefuseWrongAndDamagedInput) {
     EXPECT_EQ(cut.lengthMs(), 200);
     EXPECT_EQ(AmrConverter::wav2amr(path("v.wav"), m_dir.path() + "/no/such/dir/v.amr"),
               AmrConverter::TargetUnwritable);
+}
+
+TEST_F(ConverterTest, AnEmptySoundConvertsBothWays) {
+    QProcess sox;
+    sox.start("sox",
+              {"-n", "-r", "8000", "-b", "16", "-c", "1", path("empty.wav"), "trim", "0", "0"});
+    ASSERT_TRUE(sox.waitForFinished(60000) && sox.exitCode() == 0);
+    ASSERT_EQ(AmrConverter::wav2amr(path("empty.wav"), path("empty.amr")), AmrConverter::Ok);
+    EXPECT_EQ(readBytes(path("empty.amr")), "#!AMR\n");
+    ASSERT_EQ(AmrConverter::amr2wav(path("empty.amr"), path("back.wav")), AmrConverter::Ok);
+    PcmSound back;
+    ASSERT_EQ(WavFile::read(path("back.wav"), back), WavFile::Error::None);
+    EXPECT_EQ(back.frames(), 0);
+    EXPECT_EQ(back.format(), (PcmFormat{8000, 1, 16}));
+}
+
+// Longer than an hour, which once was where decoding stopped without a word.
+TEST_F(ConverterTest, ALongAmrDecodesToTheEnd) {
+    QProcess sox;
+    sox.start("sox", {"-n", "-r", "8000", "-b", "16", "-c", "1", path("ten.wav"), "synth", "10",
+                      "sine", "300"});
+    ASSERT_TRUE(sox.waitForFinished(60000) && sox.exitCode() == 0);
+    ASSERT_EQ(AmrConverter::wav2amr(path("ten.wav"), path("ten.amr")), AmrConverter::Ok);
+    const QByteArray frames = readBytes(path("ten.amr")).mid(6);
+    writeBytes(path("long.amr"), "#!AMR\n" + frames.repeated(390)); // 65 minutes
+    ASSERT_EQ(AmrConverter::amr2wav(path("long.amr"), path("long.wav")), AmrConverter::Ok);
+    QProcess soxi;
+    soxi.start("soxi", {"-s", path("long.wav")});
+    ASSERT_TRUE(soxi.waitForFinished(60000));
+    EXPECT_EQ(soxi.readAllStandardOutput().trimmed(), QByteArray::number(8000LL * 10 * 390));
 }
 
 TEST_F(ConverterTest, Mp3EncoderWritesGaplessFilesFfmpegDecodesToTheSameLength) {

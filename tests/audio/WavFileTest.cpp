@@ -2,6 +2,8 @@
 #include "AudioFixture.h"
 #include "WavTrimmer.h"
 
+#include <QProcess>
+
 #include <QStandardPaths>
 
 #define REQUIRE_FFMPEG()                                                                           \
@@ -109,6 +111,20 @@ TEST_F(WavFileTest, TrimmingWholeOrOutOfRange) {
     ASSERT_TRUE(WavFile::write(path("one.wav"), sound));
     EXPECT_EQ(WavTrimmer::trim(path("one.wav"), path("whole.wav"), -1, 500), QString());
     EXPECT_EQ(readBytes(path("whole.wav")), readBytes(path("one.wav")));
+    // Every frame, also the one after the last whole millisecond, and none of none.
+    for (const auto& [effect, frames] :
+         {std::pair{QStringList{"synth", "8001s", "sine", "440"}, "8001"},
+          {QStringList{"trim", "0", "0"}, "0"}}) {
+        QProcess sox;
+        sox.start("sox",
+                  QStringList{"-r", "8000", "-n", "-b", "16", "-c", "1", path("odd.wav")} + effect);
+        ASSERT_TRUE(sox.waitForFinished(60000) && sox.exitCode() == 0);
+        EXPECT_EQ(WavTrimmer::trim(path("odd.wav"), path("kept.wav"), -1, -1), QString());
+        QProcess soxi;
+        soxi.start("soxi", {"-s", path("kept.wav")});
+        ASSERT_TRUE(soxi.waitForFinished(60000));
+        EXPECT_EQ(soxi.readAllStandardOutput().trimmed(), frames);
+    }
     EXPECT_FALSE(WavTrimmer::trim(path("one.wav"), path("x.wav"), 500, 500).isEmpty());
     EXPECT_FALSE(WavTrimmer::trim(path("one.wav"), path("x.wav"), 0, 1001).isEmpty());
     EXPECT_FALSE(WavTrimmer::trim(path("none.wav"), path("x.wav"), 0, 10).isEmpty());

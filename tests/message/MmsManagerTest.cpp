@@ -1,4 +1,3 @@
-#include "AppGlobals.h"
 #include "FakeClock.h"
 #include "WorkFolderTest.h"
 #include "clsMMSManager.h"

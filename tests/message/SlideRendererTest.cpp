@@ -121,6 +121,18 @@ TEST_F(SlideRendererTest, TheSlideImageWinsOverItsObjectsWhenSaved) {
     EXPECT_EQ(file.read(2), "BM");
 }
 
+// Slide files are written only where nothing is: never through a link left
+// in the work folder, and never half.
+TEST_F(SlideRendererTest, ASlideFileIsNeverWrittenThroughWhatIsInTheWay) {
+    writeFile(dataFile("outside.bmp"), "keep me");
+    ASSERT_TRUE(QFile::link(dataFile("outside.bmp"), m_work + "Slide_1.bmp"));
+    const SlideRenderer renderer(m_work, QSize(160, 120));
+    EXPECT_FALSE(renderer.renderToFile(*m_slide, m_work + "Slide_1.bmp"));
+    EXPECT_EQ(readFile(dataFile("outside.bmp")), "keep me");
+    EXPECT_TRUE(renderer.renderToFile(*m_slide, m_work + "Slide_2.bmp"));
+    EXPECT_EQ(QImage(m_work + "Slide_2.bmp").size(), QSize(160, 120));
+}
+
 TEST_F(SlideRendererTest, PhonePhotosFillTheSurfaceAndTheirRectangles) {
     // 36 megapixels: more than Qt decodes whole without being asked to.
     ASSERT_EQ(PhotoSamples::gradientJpeg(m_work + "photo.jpg", QSize(7200, 5000)), QString());

@@ -241,7 +241,8 @@ TEST_F(SmilExportTest, BadPresentationsGiveNoMessageAndLeaveTheWorkFolder) {
         EXPECT_EQ(m_manager.ImportMMS(folder + file, kind), nullptr) << file;
         EXPECT_FALSE(m_manager.GetExportImportStatus().isEmpty()) << file;
     }
-    EXPECT_TRUE(m_manager.GetExportImportStatus().contains("not a template"));
+    EXPECT_TRUE(m_manager.GetExportImportStatus().contains(
+        "fake.tpl cannot be used: it is no tar archive"));
     EXPECT_EQ(QDir(m_work).entryList(QDir::Files), before) << "the open message keeps its files";
     EXPECT_EQ(m_manager.message(), m_message);
 }

@@ -8,7 +8,9 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <clocale>
+#include <cstring>
 #include <gtest/gtest.h>
 
 // The archives are checked with GNU tar, and the hostile ones are made with
@@ -174,6 +176,28 @@ TEST_F(TarEngineTest, PackedFolderHoldsItsFilesByNameAndGnuTarExtractsThem) {
         << m_engine.lastError().toStdString();
     EXPECT_EQ(snapshot(unpacked), files);
     EXPECT_EQ(lines(output.toUtf8()), sorted);
+}
+
+// gzip reads whatever follows its stream as another member; zeros there make
+// it warn, and a strict reader refuses the file.
+TEST_F(TarEngineTest, AMessageFileEndsWhereItsGzipStreamEnds) {
+    const QString folder = path("small");
+    writeFile(folder + "/message.xml", "<ROOT/>");
+    writeFile(folder + "/A1.wav", QByteArray(3000, '\x11'));
+    const QString archive = path("small.mms");
+    ASSERT_EQ(m_engine.run(packLine(archive, folder)), 0) << m_engine.lastError().toStdString();
+
+    const ToolRun test = runTool("gzip", {"-tv", archive});
+    EXPECT_EQ(test.exitCode, 0) << test.err.toStdString();
+    EXPECT_FALSE(test.err.contains("trailing")) << test.err.toStdString();
+    // The last four bytes are the gzip trailer's length of the tar inside.
+    const QByteArray bytes = readAll(archive);
+    ASSERT_GT(bytes.size(), 8);
+    const ToolRun inflated = runTool("gzip", {"-dc", archive});
+    quint32 stored = 0;
+    std::memcpy(&stored, bytes.constData() + bytes.size() - 4, 4);
+    EXPECT_EQ(qFromLittleEndian(stored), quint32(inflated.out.size()));
+    EXPECT_EQ(inflated.out.size() % 512, 0);
 }
 
 // Names are stored as the bytes they have on disk: under the C locale no
@@ -358,6 +382,21 @@ TEST_F(TarEngineTest, PackingKeepsWithinTheLimitsUnpackingHolds) {
     EXPECT_EQ(engine.run(packLine(path("new.mms"), path("three"))), TarEngine::LimitExceeded)
         << "2599 bytes together";
     EXPECT_TRUE(engine.lastError().contains("at most 2500 bytes"));
+}
+
+// A message of 10,000 slides holds a slide file for each, and more.
+TEST_F(TarEngineTest, AMessageOfTenThousandSlidesFitsTheStandardLimits) {
+    const QString folder = path("many");
+    QDir().mkpath(folder);
+    for (int i = 1; i <= 10050; ++i) {
+        QFile file(folder + QString("/Slide_%1.bmp").arg(i));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    ASSERT_EQ(m_engine.run(packLine(path("many.mms"), folder)), TarEngine::Success)
+        << m_engine.lastError().toStdString();
+    ASSERT_EQ(m_engine.run(unpackLine(path("many.mms"), path("back"))), TarEngine::Success)
+        << m_engine.lastError().toStdString();
+    EXPECT_EQ(QDir(path("back")).entryList(QDir::Files).size(), 10050);
 }
 
 TEST_F(TarEngineTest, DamagedArchiveLeavesNoHalfMember) {
