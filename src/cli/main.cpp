@@ -2,6 +2,7 @@
 #include "CliOutput.h"
 #include "ConvertImageCommand.h"
 #include "ExportCommand.h"
+#include "FramesCommand.h"
 #include "ImportCommand.h"
 #include "InfoCommand.h"
 #include "MessageScript.h"
@@ -35,6 +36,7 @@ const std::map<QString, Command>& commands() {
         {"amr2wav", {AudioCommands::amr2wav, AudioCommands::amr2wavUsage}},
         {"convert-image", {ConvertImageCommand::run, ConvertImageCommand::usage}},
         {"export", {ExportCommand::run, ExportCommand::usage}},
+        {"frames", {FramesCommand::run, FramesCommand::usage}},
         {"help", {help, helpUsage}},
         {"import", {ImportCommand::run, ImportCommand::usage}},
         {"info", {InfoCommand::run, InfoCommand::usage}},
