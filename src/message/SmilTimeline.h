@@ -53,15 +53,17 @@ public:
     void addProblem(const QString& problem);
 
     static constexpr qint64 kOpenEnd = -1;
+    // The screen of a presentation that does not say its size: the one we export.
+    static constexpr QSize kDefaultScreen{160, 160};
     // A hostile file can name a thousand missing files; the first are enough.
     static constexpr int kMaxProblems = 50;
 
 private:
     QList<int> visibleAt(qint64 ms) const;
 
-    QSize m_size;
+    QSize m_size{kDefaultScreen};
     qint64 m_duration = 0;
-    QColor m_background;
+    QColor m_background{Qt::white};
     QList<Region> m_regions;
     QList<Item> m_items;
     QStringList m_problems;

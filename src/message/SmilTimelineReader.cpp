@@ -16,8 +16,6 @@
 
 namespace {
 constexpr qint64 kMaxTextBytes = 64 * 1024;
-// The screen of a presentation that does not say its size: the one we export.
-constexpr QSize kDefaultScreen(160, 160);
 
 QString attribute(const pugi::xml_node& node, const char* name) {
     return QString::fromUtf8(node.attribute(name).value()).trimmed();
@@ -121,10 +119,11 @@ bool SmilTimelineReader::readFile() {
 
 void SmilTimelineReader::readLayout(const pugi::xml_node& layout) {
     const pugi::xml_node root = layout.child("root-layout");
-    QSize size(length(attribute(root, "width"), 0).value_or(kDefaultScreen.width()),
-               length(attribute(root, "height"), 0).value_or(kDefaultScreen.height()));
+    QSize size(
+        length(attribute(root, "width"), 0).value_or(SmilTimeline::kDefaultScreen.width()),
+        length(attribute(root, "height"), 0).value_or(SmilTimeline::kDefaultScreen.height()));
     if (size.isEmpty())
-        size = kDefaultScreen;
+        size = SmilTimeline::kDefaultScreen;
     const QColor background = backgroundOf(root);
     m_timeline.setScreen(size, background.isValid() ? background : QColor(Qt::white));
     for (const pugi::xml_node region : layout.children("region")) {

@@ -63,7 +63,7 @@ QStringList ctlSmilPlayer::problems() const {
 }
 
 QSize ctlSmilPlayer::sizeHint() const {
-    return m_frame.isNull() ? QSize(160, 160) : m_frame.size();
+    return m_frame.isNull() ? SmilTimeline::kDefaultScreen : m_frame.size();
 }
 
 // Time is read from the clock, never counted in ticks, so a late tick
