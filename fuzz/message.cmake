@@ -7,3 +7,4 @@ vellumo_fuzzer(fuzz_message_xml ${CMAKE_SOURCE_DIR}/fuzz/message_xml.cpp vellumo
 vellumo_fuzzer(fuzz_media_format ${CMAKE_SOURCE_DIR}/fuzz/media_format.cpp vellumo_message)
 vellumo_fuzzer(fuzz_mms_parts ${CMAKE_SOURCE_DIR}/fuzz/mms_parts.cpp vellumo_message)
 vellumo_fuzzer(fuzz_text_decoding ${CMAKE_SOURCE_DIR}/fuzz/text_decoding.cpp vellumo_message)
+vellumo_fuzzer(fuzz_smil_timeline ${CMAKE_SOURCE_DIR}/fuzz/smil_timeline.cpp vellumo_message)

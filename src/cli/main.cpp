@@ -4,6 +4,7 @@
 #include "ConvertImageCommand.h"
 #include "ExportCommand.h"
 #include "FitCommand.h"
+#include "FramesCommand.h"
 #include "ImportCommand.h"
 #include "InfoCommand.h"
 #include "MessageScript.h"
@@ -39,6 +40,7 @@ const std::map<QString, Command>& commands() {
         {"convert-image", {ConvertImageCommand::run, ConvertImageCommand::usage}},
         {"export", {ExportCommand::run, ExportCommand::usage}},
         {"fit", {FitCommand::run, FitCommand::usage}},
+        {"frames", {FramesCommand::run, FramesCommand::usage}},
         {"help", {help, helpUsage}},
         {"import", {ImportCommand::run, ImportCommand::usage}},
         {"info", {InfoCommand::run, InfoCommand::usage}},
