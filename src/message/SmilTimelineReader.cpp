@@ -5,7 +5,7 @@
 #include "FfmpegDecoder.h"
 #include "PlainFileName.h"
 #include "SmilTime.h"
-#include "TextDecoding.h"
+#include "TextDecoder.h"
 #include "modPlaySound.h"
 
 #include <QDir>
@@ -349,7 +349,7 @@ QString SmilTimelineReader::textOf(const QString& file) {
     QFile text;
     if (!PlainFileName::open(m_folder, QFileInfo(file).fileName(), text))
         return QString();
-    QString content = TextDecoding::decode(text.read(kMaxTextBytes));
+    QString content = TextDecoder::decode(text.read(kMaxTextBytes));
     // Text files end with one line break that is not part of the text.
     if (content.endsWith(QLatin1String("\r\n")))
         content.chop(2);

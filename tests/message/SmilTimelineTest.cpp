@@ -1,7 +1,7 @@
 #include "SmilFrameRenderer.h"
 #include "SmilTime.h"
 #include "SmilTimelineReader.h"
-#include "TextDecoding.h"
+#include "TextDecoder.h"
 
 #include <QDir>
 #include <QFile>
@@ -75,18 +75,18 @@ TEST(SmilTimeTest, ReadsEveryFormOfTimeValueAndRefusesTheRest) {
     EXPECT_TRUE(SmilTime::isIndefinite(" indefinite"));
 }
 
-TEST(TextDecodingTest, ByteOrderMarkThenUtf8ThenTheWesternWindowsCodePage) {
-    EXPECT_EQ(TextDecoding::decode("Gr\xc3\xbc\xc3\x9f"
+TEST(TextDecoderTest, ByteOrderMarkThenUtf8ThenTheWesternWindowsCodePage) {
+    EXPECT_EQ(TextDecoder::decode("Gr\xc3\xbc\xc3\x9f"
                                    "e"),
               QString::fromUtf8("Grüße"));
-    EXPECT_EQ(TextDecoding::decode("Gr\xfc\xdf"
+    EXPECT_EQ(TextDecoder::decode("Gr\xfc\xdf"
                                    "e \x80 \x93ok\x94"),
               QString::fromUtf8("Grüße € “ok”"))
         << "not Latin-1: 0x80 is the euro sign and 0x93/0x94 quotes in that code page";
-    EXPECT_EQ(TextDecoding::decode("\xef\xbb\xbfok"), "ok") << "the mark is not text";
-    EXPECT_EQ(TextDecoding::decode(QByteArray("\xff\xfeo\0k\0", 6)), "ok");
-    EXPECT_EQ(TextDecoding::decode(QByteArray("\xfe\xff\0o\0k", 6)), "ok");
-    EXPECT_EQ(TextDecoding::decode("\x81"), QString(QChar(0x81))) << "unassigned stays itself";
+    EXPECT_EQ(TextDecoder::decode("\xef\xbb\xbfok"), "ok") << "the mark is not text";
+    EXPECT_EQ(TextDecoder::decode(QByteArray("\xff\xfeo\0k\0", 6)), "ok");
+    EXPECT_EQ(TextDecoder::decode(QByteArray("\xfe\xff\0o\0k", 6)), "ok");
+    EXPECT_EQ(TextDecoder::decode("\x81"), QString(QChar(0x81))) << "unassigned stays itself";
 }
 
 TEST_F(SmilTimelineTest, SeqPlaysParsInTurnWithEveryFormOfDuration) {

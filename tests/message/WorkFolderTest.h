@@ -4,6 +4,7 @@
 #include "SettingsBootstrap.h"
 #include "TempDataHome.h"
 #include "clsMMSManager.h"
+#include "clsPropertiesXML.h"
 
 // A test with the program's settings open and a message manager in its work
 // folder, as the window starts.

@@ -219,16 +219,16 @@ TEST_F(SoundAttacherTest, TheStepAndTheBoxesSpeakTheUsersLanguage) {
     EXPECT_EQ(boxes[1].text, "Die Datei wurde nicht gefunden.");
 }
 
-TEST_F(SoundAttacherTest, AWavUnreadableWhereItLiesIsJudgedByItsCopy) {
+TEST_F(SoundAttacherTest, AWavWhoseNameHoldsAQuoteIsMeasuredAndAttached) {
     refuseUnexpectedBoxes();
     const QByteArray tone = wavFile(22050, 1, 16, 600);
     const QString file = "say \"hi.wav";
     writeFile(in(file), tone);
-    ASSERT_EQ(modPlaySound::GetSoundInfo(in(file)), "WAV;-1;-1;-1");
+    ASSERT_EQ(modPlaySound::GetSoundInfo(in(file)), "WAV;600;22050;16");
 
     const QStringList before = workFiles();
     ASSERT_TRUE(m_attacher.attach(m_in, file));
-    EXPECT_TRUE(DialogService::answeredBoxes().isEmpty()) << "the copy was read without asking";
+    EXPECT_TRUE(DialogService::answeredBoxes().isEmpty()) << "measured without asking";
     EXPECT_EQ(bytes(work(slide().Sound())), tone);
     expectOneFileAdded(before);
     EXPECT_EQ(slide().SoundName(), "say \"hi");
