@@ -1,5 +1,5 @@
-#include "WorkFolderTest.h"
 #include "ProgramRun.h"
+#include "WorkFolderTest.h"
 
 #include <QDir>
 #include <QImage>

@@ -77,10 +77,10 @@ TEST(SmilTimeTest, ReadsEveryFormOfTimeValueAndRefusesTheRest) {
 
 TEST(TextDecoderTest, ByteOrderMarkThenUtf8ThenTheWesternWindowsCodePage) {
     EXPECT_EQ(TextDecoder::decode("Gr\xc3\xbc\xc3\x9f"
-                                   "e"),
+                                  "e"),
               QString::fromUtf8("Grüße"));
     EXPECT_EQ(TextDecoder::decode("Gr\xfc\xdf"
-                                   "e \x80 \x93ok\x94"),
+                                  "e \x80 \x93ok\x94"),
               QString::fromUtf8("Grüße € “ok”"))
         << "not Latin-1: 0x80 is the euro sign and 0x93/0x94 quotes in that code page";
     EXPECT_EQ(TextDecoder::decode("\xef\xbb\xbfok"), "ok") << "the mark is not text";
