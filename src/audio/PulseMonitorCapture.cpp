@@ -7,18 +7,18 @@ namespace {
 constexpr int kBlockMs = 20;
 
 pa_sample_spec toPulse(const PcmFormat& format) {
-    pa_sample_spec spec{};
-    spec.format = format.bitsPerSample == 8 ? PA_SAMPLE_U8 : PA_SAMPLE_S16LE;
-    spec.rate = std::uint32_t(format.sampleRate);
-    spec.channels = std::uint8_t(format.channels);
-    return spec;
+    pa_sample_spec layout{};
+    layout.format = format.bitsPerSample == 8 ? PA_SAMPLE_U8 : PA_SAMPLE_S16LE;
+    layout.rate = std::uint32_t(format.sampleRate);
+    layout.channels = std::uint8_t(format.channels);
+    return layout;
 }
 } // namespace
 
 std::unique_ptr<CaptureStream> PulseMonitorCapture::start(const PcmFormat& format,
                                                           std::int64_t maxFrames) {
-    const pa_sample_spec spec = toPulse(format);
-    if (!pa_sample_spec_valid(&spec))
+    const pa_sample_spec layout = toPulse(format);
+    if (!pa_sample_spec_valid(&layout))
         return nullptr;
     pa_buffer_attr buffer;
     buffer.maxlength = std::uint32_t(-1);
@@ -26,7 +26,7 @@ std::unique_ptr<CaptureStream> PulseMonitorCapture::start(const PcmFormat& forma
     buffer.fragsize = std::uint32_t(format.bytesPerSecond() * kBlockMs / 1000);
     int error = 0;
     pa_simple* server = pa_simple_new(nullptr, "Vellumo", PA_STREAM_RECORD, "@DEFAULT_MONITOR@",
-                                      "Recording", &spec, nullptr, &buffer, &error);
+                                      "Recording", &layout, nullptr, &buffer, &error);
     if (!server)
         return nullptr;
     return std::unique_ptr<CaptureStream>(new PulseMonitorCapture(server, format, maxFrames));

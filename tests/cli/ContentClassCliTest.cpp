@@ -1,5 +1,6 @@
 #include "ProgramRun.h"
 #include "QtPrinters.h"
+#include "ScriptedCliTest.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -9,20 +10,11 @@
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 // check and fit driven as a user's script drives them, on media made by
 // ImageMagick and FFmpeg.
-class ContentClassCliTest : public ::testing::Test {
+class ContentClassCliTest : public ScriptedCliTest {
 protected:
-    ProgramRun run(const QString& program, const QStringList& arguments) const {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("XDG_DATA_HOME", m_home.path() + "/xdg");
-        return runProgram(program, arguments, env, m_home.path());
-    }
-    ProgramRun cli(const QStringList& arguments) const { return run(cliProgram(), arguments); }
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
-
     void tool(const QString& program, const QStringList& arguments) const {
         const ProgramRun done = run(program, arguments);
         ASSERT_EQ(done.code, 0) << program.toStdString() << ": " << done.err.toStdString();
@@ -55,8 +47,6 @@ protected:
         EXPECT_EQ(done.code, 0) << done.err.toStdString();
         return folder + "/";
     }
-
-    QTemporaryDir m_home;
 };
 
 TEST_F(ContentClassCliTest, CheckNamesTheSmallestClassAndTheBrokenRules) {

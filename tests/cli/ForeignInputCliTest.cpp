@@ -1,21 +1,15 @@
 #include "ProgramRun.h"
 #include "QtPrinters.h"
+#include "ScriptedCliTest.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <gtest/gtest.h>
 
 // A presentation made by other programs (picture by ImageMagick, sound by
 // sox, text by iconv) imported, described and exported again from a script.
-class ForeignInputCliTest : public ::testing::Test {
+class ForeignInputCliTest : public ScriptedCliTest {
 protected:
-    ProgramRun run(const QString& program, const QStringList& arguments) const {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("XDG_DATA_HOME", m_home.path() + "/xdg");
-        return runProgram(program, arguments, env, m_home.path());
-    }
-    ProgramRun cli(const QStringList& arguments) const { return run(cliProgram(), arguments); }
     void make(const QString& program, const QStringList& arguments) const {
         const ProgramRun done = run(program, arguments);
         ASSERT_EQ(done.code, 0) << program.toStdString() << ": " << done.err.toStdString();
@@ -25,9 +19,6 @@ protected:
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(bytes);
     }
-    QString path(const QString& name) const { return m_home.path() + "/" + name; }
-
-    QTemporaryDir m_home;
 };
 
 TEST_F(ForeignInputCliTest, AForeignShowImportsWithItsOddDurationsNamedAndItsTextsReadable) {
