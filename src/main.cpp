@@ -1,3 +1,4 @@
+#include "MediaBackend.h"
 #include "PrivateTempDir.h"
 #include "SignalCleanup.h"
 #include "modMain.h"
@@ -9,6 +10,7 @@ int main(int argc, char* argv[]) {
     // Temporary folders go with the program, however it ends.
     SignalCleanup::install();
     PrivateTempDir::removeLeftovers();
+    MediaBackend::choose();
     QApplication app(argc, argv);
     QApplication::setApplicationName("Vellumo");
     QApplication::setApplicationVersion(VELLUMO_VERSION);

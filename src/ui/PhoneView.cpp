@@ -15,12 +15,14 @@ void PhoneView::setPhone(const QPixmap& phone, const QRect& screen, int fillMode
     m_screen = screen;
     m_fillMode = fillMode;
     updateGeometry();
+    placeScreenWidget();
     update();
 }
 
 void PhoneView::setSlide(const QImage& slide) {
     m_slide = slide;
     updateGeometry();
+    placeScreenWidget();
     update();
 }
 
@@ -64,10 +66,38 @@ QRect PhoneView::slideRectInPhone() const {
                  size.width(), size.height());
 }
 
-QRect PhoneView::slideRect() const {
-    const QRectF inPhone = slideRectInPhone();
-    return QRectF(QPointF(phoneOrigin()) + inPhone.topLeft() * scale(), inPhone.size() * scale())
+QRect PhoneView::toView(const QRect& inPhone) const {
+    const QRectF area = inPhone;
+    return QRectF(QPointF(phoneOrigin()) + area.topLeft() * scale(), area.size() * scale())
         .toRect();
+}
+
+QRect PhoneView::slideRect() const {
+    return toView(slideRectInPhone());
+}
+
+QRect PhoneView::screenRect() const {
+    if (m_phone.isNull())
+        return m_slide.isNull() ? rect() : slideRect();
+    return toView(m_screen);
+}
+
+void PhoneView::setScreenWidget(QWidget* widget) {
+    m_screenWidget = widget;
+    if (!widget)
+        return;
+    widget->setParent(this);
+    placeScreenWidget();
+}
+
+void PhoneView::placeScreenWidget() {
+    if (m_screenWidget)
+        m_screenWidget->setGeometry(screenRect());
+}
+
+void PhoneView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    placeScreenWidget();
 }
 
 void PhoneView::paintEvent(QPaintEvent*) {

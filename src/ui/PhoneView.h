@@ -19,6 +19,12 @@ public:
     void setSlide(const QImage& slide);
     // Where the slide lands, in the view's coordinates.
     QRect slideRect() const;
+    // The phone's whole screen in the view's coordinates (without a phone,
+    // where the slide lands).
+    QRect screenRect() const;
+    // A widget that plays on the phone's screen, kept over it as the phone
+    // is laid out; nullptr takes none.
+    void setScreenWidget(QWidget* widget);
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -28,15 +34,19 @@ signals:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     qreal scale() const;
     QPoint phoneOrigin() const;
     QRect slideRectInPhone() const;
     QSize contentSize() const;
+    QRect toView(const QRect& inPhone) const;
+    void placeScreenWidget();
 
     QPixmap m_phone;
     QRect m_screen;
     int m_fillMode = 1;
     QImage m_slide;
+    QWidget* m_screenWidget = nullptr;
 };

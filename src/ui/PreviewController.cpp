@@ -12,6 +12,7 @@
 #include "ctlMainMenu.h"
 #include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
+#include "ctlSmilPlayer.h"
 #include "frmPreview.h"
 
 #include <QMainWindow>
@@ -45,6 +46,8 @@ PreviewController::PreviewController(const Window& window, QObject* parent)
             &PreviewController::mFrmPreview_SlidePictureSizeChanged);
     connect(mFrmPreview, &frmPreview::ShowDownloadPicture, this,
             &PreviewController::downloadPictureRequested);
+    connect(mFrmPreview, &frmPreview::StartPresentation, this,
+            &PreviewController::playPresentation);
     connect(&m_clock, &PreviewClock::started, this, &PreviewController::playerStarted);
     connect(&m_clock, &PreviewClock::stopped, this, &PreviewController::playerStopped);
     connect(&m_clock, &PreviewClock::slideDue, this, &PreviewController::slideDue);
@@ -96,10 +99,32 @@ void PreviewController::applySkin() {
 }
 
 void PreviewController::togglePlaying() {
+    if (mFrmPreview->player()->isPlaying())
+        return mFrmPreview->stopPresentation();
     if (m_clock.isPlaying())
         return m_clock.stop();
     m_window.editor->SaveDrawObjects();
     m_clock.start();
+}
+
+// The message as it leaves the program: exported as SMIL, as the user would
+// export it, and played from there. A failed export is said under the phone.
+void PreviewController::playPresentation() {
+    clsMessage* message = m_window.document->message();
+    if (!message || m_clock.isPlaying())
+        return;
+    m_window.editor->SaveDrawObjects();
+    const QString folder =
+        m_presentations.subFolder(QStringLiteral("play") + QString::number(++m_presentationCount));
+    const QString smil = folder + QStringLiteral("message.smil");
+    clsMMSManager& manager = *m_window.manager;
+    if (folder.isEmpty() || manager.ExportMMS(*message, clsMMSManager::ExportSmil, 0, smil, true) !=
+                                clsMMSManager::ExportOk) {
+        mFrmPreview->showProblems(
+            {folder.isEmpty() ? m_presentations.errorString() : manager.GetExportImportStatus()});
+        return;
+    }
+    mFrmPreview->playPresentation(smil);
 }
 
 void PreviewController::showPreview() {

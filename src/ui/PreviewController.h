@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PreviewClock.h"
+#include "PrivateTempDir.h"
 #include "SlideSoundPlayer.h"
 
 #include <QObject>
@@ -55,6 +56,7 @@ private:
     void mFrmPreview_Dock(bool docked);
     void mFrmPreview_ClosePreview();
     void mFrmPreview_SlidePictureSizeChanged(int width, int height);
+    void playPresentation();
     void playerStarted();
     void playerStopped();
     void slideDue(int slide);
@@ -67,4 +69,7 @@ private:
     frmPreview* mFrmPreview;
     PreviewClock m_clock;
     SlideSoundPlayer m_sound;
+    // Each play exports the message afresh, into a folder of its own.
+    PrivateTempDir m_presentations;
+    int m_presentationCount = 0;
 };

@@ -18,6 +18,8 @@ ctlSmilPlayer::ctlSmilPlayer(QWidget* parent) : QWidget(parent) {
     setAccessibleName(AppGlobals::text("STR_SMIL_PLAYER", "Presentation player"));
     m_timer.setInterval(kTickMs);
     connect(&m_timer, &QTimer::timeout, this, &ctlSmilPlayer::tick);
+    connect(&m_video, &SmilVideoPlayer::pictureChanged, this, &ctlSmilPlayer::compose);
+    connect(&m_video, &SmilVideoPlayer::failed, this, &ctlSmilPlayer::addProblem);
 }
 
 ctlSmilPlayer::~ctlSmilPlayer() = default;
@@ -27,7 +29,7 @@ bool ctlSmilPlayer::open(const QString& smilPath) {
     const bool read = SmilTimelineReader::read(smilPath, m_timeline);
     m_renderer = std::make_unique<SmilFrameRenderer>(m_timeline);
     m_changes = m_timeline.visibleChanges();
-    m_soundProblems.clear();
+    m_playProblems.clear();
     m_position = 0;
     m_shownChange = -1;
     showAt(0);
@@ -44,6 +46,7 @@ void ctlSmilPlayer::play() {
     m_shownChange = -1;
     showAt(0);
     startSounds(-1, 0);
+    followVideo(0);
     m_timer.start();
 }
 
@@ -52,6 +55,7 @@ void ctlSmilPlayer::stop() {
         return;
     m_timer.stop();
     m_sound.stop();
+    m_video.stop();
     emit stopped();
 }
 
@@ -59,7 +63,7 @@ QStringList ctlSmilPlayer::problems() const {
     QStringList all = m_timeline.problems();
     if (m_renderer)
         all += m_renderer->problems();
-    return all + m_soundProblems;
+    return all + m_playProblems;
 }
 
 QSize ctlSmilPlayer::sizeHint() const {
@@ -79,6 +83,7 @@ void ctlSmilPlayer::tick() {
         return;
     }
     startSounds(previous, m_position);
+    followVideo(m_position);
 }
 
 // A new picture is painted only when what is shown changes.
@@ -89,7 +94,42 @@ void ctlSmilPlayer::showAt(qint64 ms) {
         return;
     m_shownChange = change;
     m_frame = m_renderer->render(m_changes.value(change));
+    compose();
+}
+
+// The video whose turn it is plays; the latest to begin wins, and when
+// none is due none plays.
+void ctlSmilPlayer::followVideo(qint64 ms) {
+    const SmilTimeline::Item* due = nullptr;
+    for (const SmilTimeline::Item* item : m_timeline.itemsAt(ms))
+        if (item->kind == SmilTimeline::Kind::Video && (!due || item->start >= due->start))
+            due = item;
+    if (due)
+        m_video.play(*due);
+    else
+        m_video.stop();
+}
+
+// The video's picture goes over its first picture, fitted into its area the
+// way the renderer fits pictures.
+void ctlSmilPlayer::compose() {
+    m_shown = m_frame;
+    const QImage& video = m_video.picture();
+    if (!video.isNull() && !m_shown.isNull()) {
+        const QRect area = m_video.area();
+        const QSize size = video.size().scaled(area.size(), Qt::KeepAspectRatio);
+        const QPoint at = area.topLeft() + QPoint((area.width() - size.width()) / 2,
+                                                  (area.height() - size.height()) / 2);
+        QPainter painter(&m_shown);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(QRect(at, size), video);
+    }
     update();
+}
+
+void ctlSmilPlayer::addProblem(const QString& why) {
+    if (!m_playProblems.contains(why))
+        m_playProblems << why;
 }
 
 // Sounds that began after one reading of the clock and up to the next; a
@@ -100,19 +140,19 @@ void ctlSmilPlayer::startSounds(qint64 after, qint64 upTo) {
             item.end <= upTo)
             continue;
         QString why;
-        if (!m_sound.play(item.file, &why) && !m_soundProblems.contains(why))
-            m_soundProblems << why;
+        if (!m_sound.play(item.file, &why))
+            addProblem(why);
     }
 }
 
 void ctlSmilPlayer::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().window());
-    if (m_frame.isNull())
+    if (m_shown.isNull())
         return;
-    const QSize drawn = m_frame.size().scaled(size(), Qt::KeepAspectRatio);
+    const QSize drawn = m_shown.size().scaled(size(), Qt::KeepAspectRatio);
     const QRect target(QPoint((width() - drawn.width()) / 2, (height() - drawn.height()) / 2),
                        drawn);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(target, m_frame);
+    painter.drawImage(target, m_shown);
 }

@@ -2,6 +2,7 @@
 
 #include "SlideSoundPlayer.h"
 #include "SmilTimeline.h"
+#include "SmilVideoPlayer.h"
 
 #include <QImage>
 #include <QTimer>
@@ -11,10 +12,10 @@
 class SmilFrameRenderer;
 
 // Plays a SMIL presentation, ours or another program's: its pictures and
-// texts in their regions, its sounds, and of a video its first picture, each
-// for its time on the program's clock. It knows nothing of the window that
-// holds it: that window opens a presentation, plays and stops it, and hears
-// when it stopped.
+// texts in their regions, its sounds and its videos, each for its time on
+// the program's clock (a video that cannot play shows its first picture). It knows nothing of the
+// window that holds it: that window opens a presentation, plays and stops it, and hears when it
+// stopped.
 class ctlSmilPlayer : public QWidget {
     Q_OBJECT
 public:
@@ -33,8 +34,9 @@ public:
     qint64 duration() const { return m_timeline.duration(); }
     // What could not be shown or played, in the user's language.
     QStringList problems() const;
-    // The picture shown now, at the presentation's own size.
-    const QImage& frame() const { return m_frame; }
+    // The picture shown now, at the presentation's own size, with the
+    // video's latest picture in its area.
+    const QImage& frame() const { return m_shown; }
     QSize sizeHint() const override;
 
 signals:
@@ -49,15 +51,20 @@ private:
     void tick();
     void showAt(qint64 ms);
     void startSounds(qint64 after, qint64 upTo);
+    void followVideo(qint64 ms);
+    void compose();
+    void addProblem(const QString& why);
 
     SmilTimeline m_timeline;
     std::unique_ptr<SmilFrameRenderer> m_renderer;
     QList<qint64> m_changes;
     qsizetype m_shownChange = -1;
     QImage m_frame;
+    QImage m_shown;
     QTimer m_timer;
     std::uint32_t m_startTick = 0;
     qint64 m_position = 0;
     SlideSoundPlayer m_sound;
-    QStringList m_soundProblems;
+    SmilVideoPlayer m_video;
+    QStringList m_playProblems;
 };

@@ -1,10 +1,12 @@
 #include "frmPreview.h"
 
 #include "AppGlobals.h"
+#include "DialogService.h"
 #include "PhoneView.h"
 #include "PreviewClock.h"
 #include "clsPopupMenu.h"
 #include "clsPropertiesXML.h"
+#include "ctlSmilPlayer.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -24,6 +26,9 @@ QString text(const char* key, const char* fallback) {
 
 enum PhoneMenu { DownloadPicture = 1, Loop = 2 };
 
+// More than a few lines would push the phone out of a small dock.
+constexpr int kProblemsShown = 4;
+
 QString sizeText(QSize size) {
     return QString::number(size.width()) + u'x' + QString::number(size.height());
 }
@@ -32,7 +37,8 @@ QString sizeText(QSize size) {
 frmPreview::frmPreview(QWidget* parent)
     : QDockWidget(parent), picPhone(new PhoneView), lblText(new QLabel), cmdPlay(new QPushButton),
       lblTime(new QLabel), lblSlideImageSize(new QLabel), cmdImgSize(new QToolButton),
-      lstImgSizes(new QMenu(this)), m_sizeRow(new QWidget) {
+      lstImgSizes(new QMenu(this)), picPreviewPlayer(new ctlSmilPlayer),
+      cmdPresentation(new QToolButton), lblProblems(new QLabel), m_sizeRow(new QWidget) {
     setObjectName(QStringLiteral("frmPreview"));
     lblText->setObjectName(QStringLiteral("lblText"));
     cmdPlay->setObjectName(QStringLiteral("cmdPlay"));
@@ -40,6 +46,18 @@ frmPreview::frmPreview(QWidget* parent)
     lblSlideImageSize->setObjectName(QStringLiteral("lblSlideImageSize"));
     cmdImgSize->setObjectName(QStringLiteral("cmdImgSize"));
     lstImgSizes->setObjectName(QStringLiteral("lstImgSizes"));
+    picPreviewPlayer->setObjectName(QStringLiteral("picPreviewPlayer"));
+    cmdPresentation->setObjectName(QStringLiteral("cmdPresentation"));
+    lblProblems->setObjectName(QStringLiteral("lblProblems"));
+    lblProblems->setWordWrap(true);
+    lblProblems->hide();
+    auto* presentations = new QMenu(cmdPresentation);
+    m_playPresentation = presentations->addAction(QString(), this, &frmPreview::StartPresentation);
+    m_openPresentation = presentations->addAction(QString(), this, &frmPreview::openPresentation);
+    cmdPresentation->setMenu(presentations);
+    cmdPresentation->setPopupMode(QToolButton::InstantPopup);
+    picPreviewPlayer->hide();
+    picPhone->setScreenWidget(picPreviewPlayer);
     lblText->setWordWrap(true);
     lblText->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     cmdImgSize->setMenu(lstImgSizes);
@@ -47,8 +65,14 @@ frmPreview::frmPreview(QWidget* parent)
     auto* content = new QWidget;
     buildLayout(content);
     setWidget(content);
-    connect(cmdPlay, &QPushButton::clicked, this,
-            [this] { m_playing ? emit StopPlayer() : emit StartPlayer(); });
+    connect(cmdPlay, &QPushButton::clicked, this, [this] {
+        if (picPreviewPlayer->isPlaying())
+            return stopPresentation();
+        m_playing ? emit StopPlayer() : emit StartPlayer();
+    });
+    connect(picPreviewPlayer, &ctlSmilPlayer::stopped, this, &frmPreview::presentationStopped);
+    connect(picPreviewPlayer, &ctlSmilPlayer::positionChanged, this,
+            &frmPreview::DisplayPreviewTime);
     connect(picPhone, &PhoneView::contextMenuRequested, this, &frmPreview::showPhoneMenu);
     connect(this, &QDockWidget::topLevelChanged, this,
             [this](bool floating) { emit Dock(!floating); });
@@ -63,6 +87,7 @@ void frmPreview::buildLayout(QWidget* content) {
     auto* play = new QHBoxLayout;
     play->addWidget(cmdPlay);
     play->addWidget(lblTime, 1);
+    play->addWidget(cmdPresentation);
     auto* sizes = new QHBoxLayout(m_sizeRow);
     sizes->setContentsMargins(0, 0, 0, 0);
     sizes->addWidget(lblSlideImageSize, 1);
@@ -70,6 +95,7 @@ void frmPreview::buildLayout(QWidget* content) {
     auto* layout = new QVBoxLayout(content);
     layout->addWidget(picPhone, 1);
     layout->addWidget(lblText);
+    layout->addWidget(lblProblems);
     layout->addLayout(play);
     layout->addWidget(m_sizeRow);
 }
@@ -84,9 +110,16 @@ void frmPreview::TranslateForm() {
     picPhone->setAccessibleName(text("STR_PREVIEW_PHONE", "The slide on the phone"));
     lblTime->setAccessibleName(text("STR_PREVIEW_TIME", "Time played"));
     lblText->setAccessibleName(text("STR_PREVIEW_TEXT", "Slide text"));
+    lblProblems->setAccessibleName(
+        text("STR_PREVIEW_PROBLEMS", "What the presentation could not show"));
+    cmdPresentation->setText(text("STR_PREVIEW_PRESENTATIONS", "Presentation"));
+    cmdPresentation->setAccessibleName(cmdPresentation->text());
+    m_playPresentation->setText(text("STR_PREVIEW_PRESENTATION", "Play as &presentation"));
+    m_openPresentation->setText(text("STR_PREVIEW_OPEN_SMIL", "&Open presentation…"));
     fillSizes();
     // The window's translation blanks every named label; they are shown again.
     lblText->setText(m_text);
+    lblProblems->setText(m_problems);
     lblSlideImageSize->setText(sizeText(m_slideSize));
     DisplayPreviewTime(m_elapsedMs, m_totalMs);
 }
@@ -155,6 +188,7 @@ void frmPreview::SetPreviewSlideText(const QString& text) {
 
 void frmPreview::PlayerStarted() {
     m_playing = true;
+    cmdPresentation->setEnabled(false);
     lstImgSizes->hide();
     m_sizeRow->hide();
     TranslateForm();
@@ -162,6 +196,7 @@ void frmPreview::PlayerStarted() {
 
 void frmPreview::PlayerStopped() {
     m_playing = false;
+    cmdPresentation->setEnabled(true);
     m_sizeRow->show();
     TranslateForm();
 }
@@ -204,7 +239,51 @@ void frmPreview::restorePosition() {
         move(place);
 }
 
+bool frmPreview::playPresentation(const QString& smilPath) {
+    if (m_playing)
+        return false;
+    const bool read = picPreviewPlayer->open(smilPath);
+    showProblems(picPreviewPlayer->problems());
+    if (!read)
+        return false;
+    m_stillTime = {m_elapsedMs, m_totalMs};
+    picPreviewPlayer->show();
+    PlayerStarted();
+    picPreviewPlayer->play();
+    return true;
+}
+
+void frmPreview::stopPresentation() {
+    picPreviewPlayer->stop();
+}
+
+void frmPreview::presentationStopped() {
+    picPreviewPlayer->hide();
+    PlayerStopped();
+    showProblems(picPreviewPlayer->problems());
+    DisplayPreviewTime(m_stillTime.first, m_stillTime.second);
+}
+
+void frmPreview::openPresentation() {
+    DialogService::FileRequest request;
+    request.title = text("STR_PREVIEW_OPEN_SMIL_TITLE", "Open presentation");
+    request.filter = DialogService::qtFilter(text("STR_SMIL_FILTER", "Presentations|*.smil;*.smi"));
+    const QString path = DialogService::fileDialog(this, request);
+    if (!path.isEmpty())
+        playPresentation(path);
+}
+
+void frmPreview::showProblems(const QStringList& problems) {
+    QStringList shown = problems.mid(0, kProblemsShown);
+    if (problems.size() > kProblemsShown)
+        shown << QStringLiteral("…");
+    m_problems = shown.join(u'\n');
+    lblProblems->setText(m_problems);
+    lblProblems->setVisible(!m_problems.isEmpty());
+}
+
 void frmPreview::closeEvent(QCloseEvent* event) {
+    stopPresentation();
     if (isFloating())
         if (clsPropertiesXML* settings = AppGlobals::settings())
             settings->SetProp("preferences", "PreviewPosition",

@@ -3,8 +3,10 @@
 #include "PhoneSkin.h"
 
 #include <QDockWidget>
+#include <utility>
 
 class PhoneView;
+class ctlSmilPlayer;
 class QLabel;
 class QMenu;
 class QPushButton;
@@ -36,6 +38,13 @@ public:
     // Whether the phone's menu offers to send the slide picture.
     void setDownloadPictureEnabled(bool enabled) { m_downloadEnabled = enabled; }
     PhoneView* phone() const { return picPhone; }
+    ctlSmilPlayer* player() const { return picPreviewPlayer; }
+    // Plays a SMIL presentation on the phone's screen. False, with the
+    // reason shown under the phone, when it cannot be read.
+    bool playPresentation(const QString& smilPath);
+    void stopPresentation();
+    // What the presentation could not show, under the phone; none hides it.
+    void showProblems(const QStringList& problems);
 
 signals:
     void ShowDownloadPicture();
@@ -44,6 +53,8 @@ signals:
     void StopPlayer();
     void ClosePreview();
     void SlidePictureSizeChanged(int width, int height);
+    // The user asked to see the message played as the presentation it exports.
+    void StartPresentation();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -54,6 +65,8 @@ private:
     void chooseSize(const QString& entry);
     void showPhoneMenu(const QPoint& globalPos);
     QString phoneMenuDescriptor() const;
+    void openPresentation();
+    void presentationStopped();
 
     PhoneView* picPhone;
     QLabel* lblText;
@@ -62,9 +75,17 @@ private:
     QLabel* lblSlideImageSize;
     QToolButton* cmdImgSize;
     QMenu* lstImgSizes;
+    ctlSmilPlayer* picPreviewPlayer;
+    QToolButton* cmdPresentation;
+    QAction* m_playPresentation;
+    QAction* m_openPresentation;
+    QLabel* lblProblems;
     QWidget* m_sizeRow;
     QSize m_slideSize{160, 120};
     QString m_text;
+    QString m_problems;
+    // The time shown before a presentation played, shown again after it.
+    std::pair<qint64, qint64> m_stillTime{0, 0};
     qint64 m_elapsedMs = 0;
     qint64 m_totalMs = 0;
     bool m_playing = false;

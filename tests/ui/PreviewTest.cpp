@@ -12,6 +12,7 @@
 #include "ctlMainMenu.h"
 #include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
+#include "ctlSmilPlayer.h"
 #include "frmPreview.h"
 
 #include <QDir>
@@ -96,6 +97,22 @@ protected:
                                 phone->mapToGlobal(phone->rect().center()));
         QApplication::sendEvent(phone, &event);
     }
+
+    // Chooses the entry of the preview's presentation menu that starts with caption.
+    void choosePresentation(const QString& caption) {
+        for (QAction* action :
+             preview()->findChild<QToolButton*>("cmdPresentation")->menu()->actions())
+            if (action->text().remove(u'&').startsWith(caption))
+                return action->trigger();
+        FAIL() << "no entry " << caption.toStdString();
+    }
+    // Moves the clock on and waits for the presentation player's next look at it.
+    void presentationAfter(std::uint32_t ms) {
+        QSignalSpy ticked(preview()->player(), &ctlSmilPlayer::positionChanged);
+        m_clock.advance(ms);
+        ASSERT_TRUE(ticked.wait(2000));
+    }
+    QString problemsShown() { return preview()->findChild<QLabel*>("lblProblems")->text(); }
 
     FakeClock m_clock{50000, QDateTime(QDate(2026, 11, 23), QTime(10, 0))};
     ScopedClock m_useClock{m_clock};
@@ -290,4 +307,56 @@ TEST(PhoneViewTest, FillModeZeroStretchesOtherModesKeepTheSlidesOwnSize) {
     view.resize(40, 30);
     EXPECT_EQ(view.slideRect(), QRect(0, 0, 40, 30));
     EXPECT_EQ(view.sizeHint(), QSize(160, 120).expandedTo(QSize(40, 30)));
+}
+
+TEST_F(PreviewTest, TheMessagePlaysAsItsExportedPresentationOnThePhonesScreen) {
+    threeSlides();
+    PhoneView* phone = roomyPhone();
+    choosePresentation("Play as presentation");
+    ctlSmilPlayer* player = preview()->player();
+    ASSERT_TRUE(player->isPlaying()) << problemsShown().toStdString();
+    EXPECT_TRUE(player->isVisible());
+    EXPECT_EQ(player->geometry(), phone->screenRect());
+    EXPECT_EQ(player->duration(), 6500) << "the slides' times went out with the message";
+    EXPECT_EQ(preview()->findChild<QPushButton*>("cmdPlay")->text(), "Stop");
+    EXPECT_FALSE(preview()->findChild<QToolButton*>("cmdImgSize")->isVisible());
+    presentationAfter(3100);
+    EXPECT_EQ(previewTime(), "3.1/6.5");
+    EXPECT_EQ(window().document().slideCount(), 3) << "the message is only read";
+
+    // The window's own play button stops it, as it stops the slides.
+    QTest::mouseClick(playButton(), Qt::LeftButton);
+    EXPECT_FALSE(player->isPlaying());
+    EXPECT_FALSE(clock().isPlaying());
+    EXPECT_FALSE(player->isVisible());
+    EXPECT_EQ(previewTime(), "0.0/6.5");
+    EXPECT_TRUE(preview()->findChild<QToolButton*>("cmdImgSize")->isVisible());
+
+    choosePresentation("Play as presentation");
+    presentationAfter(6500);
+    EXPECT_FALSE(player->isPlaying()) << "it stops at its end";
+    EXPECT_TRUE(problemsShown().isEmpty()) << problemsShown().toStdString();
+}
+
+TEST_F(PreviewTest, AForeignPresentationSaysWhatItMissesAndANonPresentationDoesNotPlay) {
+    window();
+    roomyPhone();
+    const QString smil = dataFile("foreign.smil");
+    writeFile(smil, "<smil><body><par dur=\"2s\"><img src=\"gone.png\"/>"
+                    "<text src=\"note.txt\"/></par></body></smil>");
+    DialogService::queueFileAnswer(smil);
+    choosePresentation("Open presentation");
+    ASSERT_TRUE(preview()->player()->isPlaying());
+    EXPECT_TRUE(problemsShown().contains("gone.png")) << problemsShown().toStdString();
+    EXPECT_TRUE(problemsShown().contains("note.txt")) << problemsShown().toStdString();
+    presentationAfter(2000);
+    EXPECT_FALSE(preview()->player()->isPlaying());
+
+    writeFile(smil, "not a presentation");
+    DialogService::queueFileAnswer(smil);
+    choosePresentation("Open presentation");
+    EXPECT_FALSE(preview()->player()->isPlaying());
+    EXPECT_FALSE(preview()->player()->isVisible());
+    EXPECT_FALSE(problemsShown().isEmpty());
+    EXPECT_EQ(preview()->findChild<QPushButton*>("cmdPlay")->text(), "Play");
 }

@@ -141,3 +141,38 @@ TEST_F(SmilPlayerTest, BadPresentationsShowWhatTheyCanAndNeverHang) {
     step(0);
     EXPECT_EQ(stopped.size(), 2) << "nothing to play ends at once";
 }
+
+// The video decodes on the real clock while the presentation's time stays
+// on the test's: its first picture shows before it plays, its moving
+// pictures while it plays, and its first picture again after its time.
+TEST_F(SmilPlayerTest, VideoPlaysInItsAreaForItsTime) {
+    const ProgramRun clip =
+        runProgram("ffmpeg", {"-loglevel", "error", "-f", "lavfi", "-i",
+                              "color=c=red:s=64x48:d=0.2:r=10[a];color=c=lime:s=64x48:d=3:r=10[b];"
+                              "[a][b]concat=n=2:v=1",
+                              "-pix_fmt", "yuv420p", path("clip.mp4")});
+    ASSERT_EQ(clip.code, 0) << clip.err.toStdString();
+    write("show.smil", "<smil><head><layout><root-layout width=\"80\" height=\"60\"/>"
+                       "<region id=\"v\" left=\"0\" top=\"0\" width=\"80\" height=\"60\"/>"
+                       "</layout></head><body><par dur=\"2s\"><video src=\"clip.mp4\" "
+                       "region=\"v\"/></par><par dur=\"1s\"><img src=\"three.png\"/></par>"
+                       "</body></smil>");
+    m_player = std::make_unique<ctlSmilPlayer>();
+    ASSERT_TRUE(m_player->open(path("show.smil")));
+    const auto isRed = [this] { return shown().red() > 200 && shown().green() < 80; };
+    const auto isGreen = [this] { return shown().green() > 200 && shown().red() < 80; };
+    EXPECT_TRUE(isRed()) << "the first picture before playing";
+    m_player->play();
+    QTRY_VERIFY_WITH_TIMEOUT(isGreen(), 5000);
+    EXPECT_TRUE(m_player->problems().isEmpty()) << m_player->problems().join('\n').toStdString();
+    step(2000);
+    EXPECT_EQ(shown(), QColor(Qt::blue)) << "the video ends with its time";
+    QTest::qWait(300);
+    EXPECT_EQ(shown(), QColor(Qt::blue)) << "and no late picture of it comes back";
+
+    write("clip.mp4", QByteArray(4096, 'x'));
+    ASSERT_TRUE(m_player->open(path("show.smil")));
+    m_player->play();
+    QTRY_VERIFY_WITH_TIMEOUT(!m_player->problems().filter("clip.mp4").isEmpty(), 5000);
+    EXPECT_TRUE(m_player->isPlaying()) << "a broken video does not stop the presentation";
+}
