@@ -6,6 +6,7 @@
 #include "PhoneSkin.h"
 #include "SlidePanel.h"
 #include "SlideRenderer.h"
+#include "ToolTabs.h"
 #include "clsMMSManager.h"
 #include "clsMessage.h"
 #include "clsPropertiesXML.h"
@@ -90,7 +91,9 @@ void PreviewController::applySkin() {
         DialogService::messageBox(
             m_window.main, QStringLiteral("The background bitmap could not be loaded!"),
             QStringLiteral("InitSkin"), QMessageBox::Ok, QMessageBox::Warning);
-    m_window.menu->SetBackground(back, m_window.main->palette().color(QPalette::Window));
+    const QColor plain = m_window.main->palette().color(QPalette::Window);
+    m_window.menu->SetBackground(back, plain);
+    m_window.tools->SetBackground(back, plain);
     if (skin.slideSize.isValid() && !skin.slideSize.isEmpty())
         setPreference("PhoneImageSize", QString::number(skin.slideSize.width()) + u',' +
                                             QString::number(skin.slideSize.height()) +

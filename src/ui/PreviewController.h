@@ -10,6 +10,7 @@
 class MessageDocument;
 class QMainWindow;
 class SlidePanel;
+class ToolTabs;
 class clsMMSManager;
 class ctlMainMenu;
 class ctlPictureEditor;
@@ -31,6 +32,7 @@ public:
         SlidePanel* panel;
         ctlMainMenu* menu;
         ctlSlideThumbs* strip;
+        ToolTabs* tools;
     };
     explicit PreviewController(const Window& window, QObject* parent = nullptr);
 

@@ -1,5 +1,7 @@
 #include "ToolTabs.h"
 
+#include "SkinBackground.h"
+
 #include "AppGlobals.h"
 #include "AppPaths.h"
 #include "clsPropertiesXML.h"
@@ -119,6 +121,11 @@ void ToolTabs::TranslateControl() {
     m_pictureBrowser->setToolTip(
         AppGlobals::text("STR_PB_OPEN_TIP",
                          "Pictures of any format, turned and cropped to the slide (Ctrl+Shift+B)"));
+}
+
+void ToolTabs::SetBackground(const QPixmap& picture, const QColor& colour) {
+    for (int tab = 0; tab < count(); ++tab)
+        SkinBackground::apply(widget(tab), picture, colour);
 }
 
 ctlBrowser* ToolTabs::browser(int thumbType) const {

@@ -25,6 +25,9 @@ public:
     // The browser of a kind (ctlBrowser::ThumbType).
     ctlBrowser* browser(int thumbType) const;
     ctlAudioRecorder* recorder() const { return m_recorder; }
+    // The skin's background behind every tab: the browsers, the recorder
+    // and the text properties.
+    void SetBackground(const QPixmap& picture, const QColor& colour);
 
 signals:
     // A file the user chose in a browser (Add or Browse) for the current slide.

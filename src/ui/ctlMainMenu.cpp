@@ -1,5 +1,7 @@
 #include "ctlMainMenu.h"
 
+#include "SkinBackground.h"
+
 #include "AppGlobals.h"
 #include "FieldLabel.h"
 #include "SlideMenuDescriptor.h"
@@ -69,10 +71,7 @@ void ctlMainMenu::TranslateControl() {
 }
 
 void ctlMainMenu::SetBackground(const QPixmap& picture, const QColor& colour) {
-    QPalette shade = palette();
-    shade.setBrush(QPalette::Window, picture.isNull() ? QBrush(colour) : QBrush(picture));
-    setPalette(shade);
-    setAutoFillBackground(true);
+    SkinBackground::apply(this, picture, colour);
 }
 
 void ctlMainMenu::MenuEnabled(int menu, bool enabled) {

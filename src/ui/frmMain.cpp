@@ -66,7 +66,7 @@ frmMain::frmMain(QWidget* parent)
     m_files = new FileCommands(*m_document, m_menu->recentFiles(), this);
     buildWindow();
     m_previewer = new PreviewController(
-        {this, m_document, &m_manager, m_editor, m_panel, m_menu, m_thumbs}, this);
+        {this, m_document, &m_manager, m_editor, m_panel, m_menu, m_thumbs, m_tools}, this);
     connectDocument();
     connectControls();
     connectEditor();

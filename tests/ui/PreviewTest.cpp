@@ -7,6 +7,7 @@
 #include "PhoneView.h"
 #include "PreviewController.h"
 #include "SlideRenderer.h"
+#include "ToolTabs.h"
 #include "clsPopupMenu.h"
 #include "clsPropertiesXML.h"
 #include "ctlMainMenu.h"
@@ -257,6 +258,16 @@ TEST_F(PreviewTest, ASkinsPhoneFramesTheSlideAndAMissingPictureLeavesTheSlideAlo
     // The slide sits centred in the screen, 2 pixels in from each side.
     EXPECT_EQ(phone->slideRect().size(), QSize(176, 144));
     EXPECT_EQ(phone->slideRect().size() + QSize(4, 4), skin.screen.size());
+    // The skin's background lies behind the menu and every tool tab.
+    const QImage back = QImage(skin.backPicture).convertToFormat(QImage::Format_RGB32);
+    ASSERT_FALSE(back.isNull());
+    EXPECT_EQ(window().mainMenu()->palette().window().textureImage().convertToFormat(
+                  QImage::Format_RGB32),
+              back);
+    for (int tab = 0; tab < window().toolTabs()->count(); ++tab)
+        EXPECT_EQ(window().toolTabs()->widget(tab)->grab().toImage().pixelColor(1, 1),
+                  back.pixelColor(1, 1))
+            << "tab " << tab;
 
     m_window.reset();
     setting("PreviewBackPicture", m_root.path() + "/gone.png");
