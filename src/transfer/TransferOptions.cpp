@@ -27,10 +27,17 @@ TransferOptions TransferOptions::fromSettings(clsPropertiesXML* settings) {
     return options;
 }
 
+QString irDaFamily() {
+    return operatingSystemName().section('_', 0, 0);
+}
+
+QString irDaDefaultCommand() {
+    return QStringLiteral("bluetooth-sendto \"%f%\"");
+}
+
 QString irDaCommandline(clsPropertiesXML& settings) {
-    const QString fallback = QStringLiteral("IrFtp.exe \"%f%\"");
-    const QString family = operatingSystemName().section('_', 0, 0);
+    const QString family = irDaFamily();
     if (family.isEmpty())
-        return fallback;
-    return settings.GetProp("IrDaCommand", family, fallback);
+        return irDaDefaultCommand();
+    return settings.GetProp("IrDaCommand", family, irDaDefaultCommand());
 }

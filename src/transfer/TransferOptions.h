@@ -26,3 +26,7 @@ struct TransferOptions {
 // The infrared command line for the running system's family (the operating
 // system name up to its first "_"), from settings section "IrDaCommand".
 QString irDaCommandline(clsPropertiesXML& settings);
+// The family's key in that section, and the command used when it names none:
+// the desktop's own Bluetooth file sender.
+QString irDaFamily();
+QString irDaDefaultCommand();

@@ -60,6 +60,7 @@ public:
     void MenuItemEnabled(int number, bool enabled);
     bool isItemEnabled(int number) const { return !m_disabled.contains(number); }
     void EnableExportImport(bool enabled);
+    bool exportImportEnabled() const { return m_exportImport; }
     RecentFilesList& recentFiles() { return m_recent; }
     QString GetRecentSelectedFile() const { return m_recent.GetRecentSelectedFile(); }
     // The descriptor the menu is built from when it opens.

@@ -26,6 +26,7 @@
 #include "frmHelp.h"
 #include "frmPictureBrowser.h"
 #include "frmPreview.h"
+#include "frmSettings.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -40,8 +41,7 @@
 
 namespace {
 // Commands whose windows are not built yet: shown, but not offered.
-const int kNotYetOffered[] = {ctlMainMenu::Import,     ctlMainMenu::Export,
-                              ctlMainMenu::Info,       ctlMainMenu::Settings,
+const int kNotYetOffered[] = {ctlMainMenu::Import, ctlMainMenu::Export, ctlMainMenu::Info,
                               ctlMainMenu::Background, ctlMainMenu::DownloadPicture};
 
 QString text(const char* key, const char* fallback) {
@@ -76,14 +76,45 @@ frmMain::frmMain(QWidget* parent)
     connect(&TimerExitWait, &QTimer::timeout, this, &QWidget::close);
     if (clsPropertiesXML* settings = AppGlobals::settings())
         m_menu->recentFiles().load(*settings);
-    m_panel->setTimeFormat(AppGlobals::setting("preferences", "MMSTimeFormat", "ms"));
-    m_tools->applySettings();
     restorePosition();
+    applySettings();
+    m_document->newMessage();
+}
+
+void frmMain::applySettings() {
+    applyLanguage();
+    m_panel->setTimeFormat(AppGlobals::setting("preferences", "MMSTimeFormat", "ms"));
+    m_menu->EnableExportImport(AppGlobals::setting("preferences", "ExportImport", "0") ==
+                               QLatin1String("1"));
+    m_tools->applySettings();
     // The skin's phone may bring its own slide picture size.
     m_previewer->applySettings();
     m_editor->SetSurfaceSize(SlideRenderer::surfaceFromSettings());
     TranslateForm();
-    m_document->newMessage();
+}
+
+// A new language is taken on at once by every window that is open.
+void frmMain::applyLanguage() {
+    clsXMLocalizer* localizer = AppGlobals::localizer();
+    const QString language = AppGlobals::setting("preferences", "Language", "en-us");
+    if (!localizer || localizer->GetLanguage() == language || !localizer->SetLanguage(language))
+        return;
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (window != this && window->metaObject()->indexOfMethod("TranslateForm()") >= 0)
+            QMetaObject::invokeMethod(window, "TranslateForm");
+}
+
+frmSettings* frmMain::settingsDialog() const {
+    return mFrmSettings;
+}
+
+void frmMain::showSettings() {
+    if (mFrmSettings)
+        return mFrmSettings->raise();
+    mFrmSettings = new frmSettings(this);
+    mFrmSettings->setAttribute(Qt::WA_DeleteOnClose);
+    connect(mFrmSettings, &frmSettings::applied, this, &frmMain::applySettings);
+    mFrmSettings->open();
 }
 
 // The document goes before the manager it works on, and without telling the
@@ -292,6 +323,9 @@ void frmMain::onMenuClick(int number) {
         break;
     case ctlMainMenu::About:
         showAbout();
+        break;
+    case ctlMainMenu::Settings:
+        showSettings();
         break;
     case ctlMainMenu::Preview:
         m_previewer->togglePlaying();

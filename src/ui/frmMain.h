@@ -4,6 +4,7 @@
 
 #include <QDockWidget>
 #include <QMainWindow>
+#include <QPointer>
 #include <QString>
 #include <QTimer>
 #include <memory>
@@ -23,6 +24,7 @@ class ctlMainMenu;
 class ctlPictureEditor;
 class ctlSlideThumbs;
 class frmPictureBrowser;
+class frmSettings;
 
 // The composer's main window. It composes the menu bar, the slide strip, the
 // slide panel and the status bar around one MessageDocument, and hands every
@@ -58,6 +60,11 @@ public:
     void showPictureBrowser();
     FileCommands* fileCommands() const { return m_files; }
     PreviewController* previewer() const { return m_previewer; }
+    // The settings dialog while it is open.
+    frmSettings* settingsDialog() const;
+    // Takes on the settings as they now stand: language, time unit, menus,
+    // browsers, preview and skin, slide picture size.
+    void applySettings();
 
     static QString applicationTitle() { return QStringLiteral("Vellumo"); }
 
@@ -88,6 +95,8 @@ private:
     void requestExit();
     void showHelp();
     void showAbout();
+    void showSettings();
+    void applyLanguage();
 
     clsMMSManager m_manager;
     MessageDocument* m_document;
@@ -98,6 +107,7 @@ private:
     TextPropertiesPanel* m_textPanel;
     ToolTabs* m_tools;
     frmPictureBrowser* mFrmPictureBrowser = nullptr;
+    QPointer<frmSettings> mFrmSettings;
     std::unique_ptr<SoundAttacher> m_sounds;
     SlideSoundPlayer* m_soundPlayer;
     SlideCommands* m_slides;
