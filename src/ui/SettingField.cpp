@@ -11,6 +11,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSpinBox>
@@ -186,6 +187,10 @@ void SettingField::showColour() {
     auto* button = static_cast<QPushButton*>(m_editor);
     QPixmap swatch(32, 16);
     swatch.fill(StoredColor::toQColor(m_colour));
+    QPainter frame(&swatch);
+    frame.setPen(button->palette().color(QPalette::WindowText));
+    frame.drawRect(swatch.rect().adjusted(0, 0, -1, -1));
+    frame.end();
     button->setIcon(swatch);
-    button->setText(u'#' + StoredColor::toHex(m_colour));
+    button->setText(StoredColor::toHex(m_colour));
 }

@@ -31,6 +31,8 @@ frmSettings::frmSettings(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(tabSettings);
     layout->addWidget(m_buttons);
+    // Room for a folder's whole path.
+    setMinimumWidth(640);
     if (clsPropertiesXML* settings = AppGlobals::settings())
         for (const auto& field : m_fields)
             field->load(*settings);
