@@ -48,6 +48,8 @@ public:
     void showPreview();
     // The current slide, as it now is, on the phone.
     void showCurrentSlide();
+    // A slide's picture as the phone shows it.
+    QImage slidePicture(int slide) const;
 
 signals:
     // The user chose another slide picture size; the settings already hold it.
@@ -65,7 +67,6 @@ private:
     void showTime(qint64 elapsedMs, qint64 totalMs);
     void applySkin();
     void setCommandsEnabled(bool enabled);
-    QImage slidePicture(int slide) const;
 
     Window m_window;
     frmPreview* mFrmPreview;

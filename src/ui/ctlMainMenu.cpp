@@ -152,7 +152,8 @@ QString ctlMainMenu::fileDescriptor() const {
     if (m_exportImport)
         text += item("MNU_FILE_EXPORT", "Export", Export) + u',' +
                 item("MNU_FILE_IMPORT", "Import", Import) + ",-,";
-    return text + item("MNU_FILE_INFO", "Info", Info) + ",-," +
+    return text + item("MNU_FILE_INFO", "Info", Info) + u',' +
+           item("MNU_FILE_SEND", "Send to phone", SendMessage) + ",-," +
            item("MNU_FILE_SETTINGS", "Settings", Settings) + ",-," +
            m_recent.descriptor(AppGlobals::text("MNU_FILE_RECENT", "Recent")) + ",-," +
            item("MNU_FILE_EXIT", "Exit", Exit);

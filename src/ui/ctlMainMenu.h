@@ -49,6 +49,7 @@ public:
         Redo = 30,
         MoveSlideUp = 31,
         MoveSlideDown = 32,
+        SendMessage = 33,
     };
 
     explicit ctlMainMenu(QWidget* parent = nullptr);

@@ -5,6 +5,7 @@
 #include "EventPump.h"
 #include "FileCommands.h"
 #include "MessageDocument.h"
+#include "PhoneConnection.h"
 #include "PreviewController.h"
 #include "SlideCommands.h"
 #include "SlidePanel.h"
@@ -23,6 +24,8 @@
 #include "ctlMainMenu.h"
 #include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
+#include "frmDownloadImage.h"
+#include "frmDownloadMMS.h"
 #include "frmHelp.h"
 #include "frmPictureBrowser.h"
 #include "frmPreview.h"
@@ -54,7 +57,7 @@ frmMain::frmMain(QWidget* parent)
       m_thumbs(new ctlSlideThumbs), m_editor(nullptr), m_panel(nullptr),
       m_textPanel(new TextPropertiesPanel), m_tools(new ToolTabs(m_textPanel)),
       m_soundPlayer(new SlideSoundPlayer(this)), m_slides(nullptr), m_files(nullptr),
-      m_status(new QLabel), m_progress(new QProgressBar) {
+      m_status(new QLabel), m_progress(new QProgressBar), m_phone(new PhoneConnection(this)) {
     setObjectName("frmMain");
     m_manager.InitializeFromSettings();
     m_document = new MessageDocument(m_manager, this);
@@ -87,6 +90,7 @@ void frmMain::applySettings() {
     m_menu->EnableExportImport(AppGlobals::setting("preferences", "ExportImport", "0") ==
                                QLatin1String("1"));
     m_tools->applySettings();
+    m_phone->setUp();
     // The skin's phone may bring its own slide picture size.
     m_previewer->applySettings();
     m_editor->SetSurfaceSize(SlideRenderer::surfaceFromSettings());
@@ -106,6 +110,22 @@ void frmMain::applyLanguage() {
 
 frmSettings* frmMain::settingsDialog() const {
     return mFrmSettings;
+}
+
+// The send dialogs are modal and go when closed; a transfer keeps them open.
+void frmMain::sendMessage() {
+    auto* dialog = new frmDownloadMMS(m_phone->connection(), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->SetupDownloadData(&m_manager, m_document->message());
+    dialog->open();
+}
+
+void frmMain::sendSlidePicture() {
+    auto* dialog = new frmDownloadImage(m_phone->connection(), this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->SetDownloadPicture(m_previewer->slidePicture(m_document->currentSlide()));
+    connect(m_phone, &PhoneConnection::Connect, dialog, &frmDownloadImage::SetConnectState);
+    dialog->open();
 }
 
 void frmMain::showSettings() {
@@ -144,6 +164,7 @@ void frmMain::buildWindow() {
     m_progress->hide();
     statusBar()->addWidget(m_status, 1);
     statusBar()->addPermanentWidget(m_progress);
+    statusBar()->addPermanentWidget(m_phone->indicator());
 }
 
 QDockWidget* frmMain::dock(const char* name, QWidget* content, Qt::DockWidgetArea area) {
@@ -210,8 +231,8 @@ void frmMain::connectControls() {
 void frmMain::connectPreview() {
     connect(m_panel, &SlidePanel::previewClicked, m_previewer, &PreviewController::togglePlaying);
     connect(m_previewer, &PreviewController::slideSizeChanged, this, &frmMain::applySlideSize);
-    // Sending a slide picture comes with the send dialogs.
-    m_previewer->preview()->setDownloadPictureEnabled(false);
+    connect(m_previewer, &PreviewController::downloadPictureRequested, this,
+            &frmMain::sendSlidePicture);
 }
 
 // The editor, the strip and the preview take a new slide picture size.
@@ -327,6 +348,12 @@ void frmMain::onMenuClick(int number) {
     case ctlMainMenu::Settings:
         showSettings();
         break;
+    case ctlMainMenu::SendMessage:
+        sendMessage();
+        break;
+    case ctlMainMenu::DownloadPicture:
+        sendSlidePicture();
+        break;
     case ctlMainMenu::Preview:
         m_previewer->togglePlaying();
         break;
@@ -416,6 +443,7 @@ void frmMain::TranslateForm() {
     m_textPanel->TranslateControl();
     m_tools->TranslateControl();
     m_previewer->TranslateForm();
+    m_phone->TranslateControl();
     if (mFrmPictureBrowser)
         mFrmPictureBrowser->TranslateControl();
     if (auto* strip = findChild<QDockWidget*>("dockSlides"))

@@ -25,6 +25,7 @@ class ctlPictureEditor;
 class ctlSlideThumbs;
 class frmPictureBrowser;
 class frmSettings;
+class PhoneConnection;
 
 // The composer's main window. It composes the menu bar, the slide strip, the
 // slide panel and the status bar around one MessageDocument, and hands every
@@ -60,6 +61,7 @@ public:
     void showPictureBrowser();
     FileCommands* fileCommands() const { return m_files; }
     PreviewController* previewer() const { return m_previewer; }
+    PhoneConnection* phone() const { return m_phone; }
     // The settings dialog while it is open.
     frmSettings* settingsDialog() const;
     // Takes on the settings as they now stand: language, time unit, menus,
@@ -96,6 +98,8 @@ private:
     void showHelp();
     void showAbout();
     void showSettings();
+    void sendMessage();
+    void sendSlidePicture();
     void applyLanguage();
 
     clsMMSManager m_manager;
@@ -115,6 +119,7 @@ private:
     PreviewController* m_previewer = nullptr;
     QLabel* m_status;
     QProgressBar* m_progress;
+    PhoneConnection* m_phone;
     QTimer TimerExitWait;
     bool m_exitDecided = false;
     int m_shownSlide = 0;

@@ -209,8 +209,7 @@ void frmPreview::DisplayPreviewTime(qint64 elapsedMs, qint64 totalMs) {
 
 QString frmPreview::phoneMenuDescriptor() const {
     const bool loop = AppGlobals::setting("preferences", "PreviewLoop", "0") == QLatin1String("1");
-    return QString(m_downloadEnabled ? "" : "!") +
-           text("MNU_SLIDE_DOWNLOAD_PICTURE", "Send picture to phone…") + u';' +
+    return text("MNU_SLIDE_DOWNLOAD_PICTURE", "Send picture to phone…") + u';' +
            QString::number(DownloadPicture) + u',' + QString(loop ? "#" : "") +
            text("STR_PREVIEW_LOOP", "Play in a loop") + u';' + QString::number(Loop);
 }

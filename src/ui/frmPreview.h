@@ -35,8 +35,6 @@ public:
     void DisplayPreviewTime(qint64 elapsedMs, qint64 totalMs);
     // Puts a floating preview where "PreviewPosition" says, when it fits a screen.
     void restorePosition();
-    // Whether the phone's menu offers to send the slide picture.
-    void setDownloadPictureEnabled(bool enabled) { m_downloadEnabled = enabled; }
     PhoneView* phone() const { return picPhone; }
     ctlSmilPlayer* player() const { return picPreviewPlayer; }
     // Plays a SMIL presentation on the phone's screen. False, with the
@@ -90,5 +88,4 @@ private:
     qint64 m_totalMs = 0;
     bool m_playing = false;
     bool m_dockingEnabled = true;
-    bool m_downloadEnabled = true;
 };

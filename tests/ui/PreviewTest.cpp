@@ -223,8 +223,8 @@ TEST_F(PreviewTest, ThePhonesMenuTogglesTheLoopAndBackAgain) {
     EXPECT_EQ(AppGlobals::setting("preferences", "PreviewLoop", ""), "0");
     const QList<clsPopupMenu::ShownMenu> menus = clsPopupMenu::answeredMenus();
     ASSERT_EQ(menus.size(), 2);
-    EXPECT_EQ(menus[0].descriptor, "!Send picture to phone…;1,Play in a loop;2");
-    EXPECT_EQ(menus[1].descriptor, "!Send picture to phone…;1,#Play in a loop;2");
+    EXPECT_EQ(menus[0].descriptor, "Send picture to phone…;1,Play in a loop;2");
+    EXPECT_EQ(menus[1].descriptor, "Send picture to phone…;1,#Play in a loop;2");
 }
 
 TEST_F(PreviewTest, TheSizeChooserChangesTheSlideSizeExceptForAuto) {
