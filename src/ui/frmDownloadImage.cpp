@@ -33,16 +33,18 @@ QString preference(const char* key, const char* fallback) {
 
 const int kFormats[] = {ImageWriter::Jpeg, ImageWriter::Gif, ImageWriter::Png, ImageWriter::Bmp,
                         ImageWriter::Wbmp};
+constexpr QSize kShownSize{176, 144};
 const char* const kFormatNames[] = {"JPEG", "GIF", "PNG", "BMP", "WBMP"};
 } // namespace
 
 frmDownloadImage::frmDownloadImage(clsMMSCommunication& connection, QWidget* parent)
-    : frmSendBase(connection, parent), lblConnect(new QLabel), fraFormat(new QGroupBox),
-      m_formats(new QButtonGroup(this)), txtName(new QLineEdit), chkAdvanced(new QCheckBox),
-      chkGifPalette(new QCheckBox), chkGifDiffusion(new QCheckBox), spnJpgQuality(new QSpinBox),
-      cboWbmpRaster(new QComboBox), cmdSend(new QPushButton) {
+    : frmSendBase(connection, parent), lblPicture(new QLabel), lblConnect(new QLabel),
+      fraFormat(new QGroupBox), m_formats(new QButtonGroup(this)), txtName(new QLineEdit),
+      chkAdvanced(new QCheckBox), chkGifPalette(new QCheckBox), chkGifDiffusion(new QCheckBox),
+      spnJpgQuality(new QSpinBox), cboWbmpRaster(new QComboBox), cmdSend(new QPushButton) {
     setObjectName(QStringLiteral("frmDownloadImage"));
     lblConnect->setObjectName(QStringLiteral("lblConnect"));
+    lblPicture->setObjectName(QStringLiteral("lblPicture"));
     txtName->setObjectName(QStringLiteral("txtName"));
     chkAdvanced->setObjectName(QStringLiteral("chkAdvanced"));
     cmdSend->setObjectName(QStringLiteral("cmdSend"));
@@ -52,12 +54,13 @@ frmDownloadImage::frmDownloadImage(clsMMSCommunication& connection, QWidget* par
     auto* name = new QHBoxLayout;
     name->addWidget(lblName);
     name->addWidget(txtName, 1);
+    content()->addWidget(lblPicture, 0, Qt::AlignHCenter);
     content()->addWidget(lblConnect);
     content()->addWidget(fraFormat);
     content()->addLayout(name);
     content()->addWidget(chkAdvanced);
     content()->addWidget(fraAdvanced);
-    content()->addWidget(cmdSend, 0, Qt::AlignRight);
+    addButton(cmdSend);
     cmdSend->setDefault(true);
     connect(cmdSend, &QPushButton::clicked, this, &frmDownloadImage::sendPicture);
     // The panel's state is the user's choice for next time, kept at once.
@@ -134,11 +137,18 @@ void frmDownloadImage::TranslateForm() {
     for (int i = 0; i < 3; ++i)
         cboWbmpRaster->setItemText(i, text(rasters[i][0], rasters[i][1]));
     cmdSend->setText(text("BTN_SEND", "&Send"));
+    lblPicture->setAccessibleName(text("STR_SEND_PICTURE_SHOWN", "The picture to send"));
     SetConnectState(connection().isConnected(), connection().deviceName());
 }
 
+// The picture is shown as it is, or smaller when it is large.
 void frmDownloadImage::SetDownloadPicture(const QImage& picture) {
     m_picture = picture;
+    const QImage shown =
+        picture.width() > kShownSize.width() || picture.height() > kShownSize.height()
+            ? picture.scaled(kShownSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+            : picture;
+    lblPicture->setPixmap(QPixmap::fromImage(shown));
 }
 
 void frmDownloadImage::SetConnectState(bool connected, const QString& device) {

@@ -36,6 +36,7 @@ private:
 
     QImage m_picture;
     PrivateTempDir m_converted;
+    QLabel* lblPicture;
     QLabel* lblConnect;
     QGroupBox* fraFormat;
     QButtonGroup* m_formats;

@@ -15,10 +15,15 @@ QString text(const char* key, const char* fallback) {
     return AppGlobals::text(key, fallback);
 }
 
+// Room for a sentence on a line; an empty line takes no room.
+constexpr int kLineWidth = 400;
+
 QLabel* line(const char* name) {
     auto* label = new QLabel;
     label->setObjectName(QString::fromLatin1(name));
     label->setWordWrap(true);
+    label->setMinimumWidth(kLineWidth);
+    label->hide();
     label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     return label;
 }
@@ -27,21 +32,25 @@ QLabel* line(const char* name) {
 frmSendBase::frmSendBase(clsMMSCommunication& connection, QWidget* parent)
     : QDialog(parent), m_connection(connection), m_content(new QVBoxLayout),
       lblStatus(line("lblStatus")), lblError(line("lblError")), lblInfo(line("lblInfo")),
-      prgDownload(new QProgressBar), cmdClose(new QPushButton) {
+      prgDownload(new QProgressBar), cmdClose(new QPushButton), m_buttons(new QHBoxLayout) {
     prgDownload->setObjectName(QStringLiteral("prgDownload"));
     cmdClose->setObjectName(QStringLiteral("cmdClose"));
     lblError->setStyleSheet(QStringLiteral("color: #b00020"));
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdClose);
+    m_buttons->addStretch(1);
+    m_buttons->addWidget(cmdClose);
     auto* layout = new QVBoxLayout(this);
-    layout->addLayout(m_content, 1);
+    // The dialog is as large as what it shows, also when a panel opens.
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addLayout(m_content);
     for (QWidget* widget : {static_cast<QWidget*>(prgDownload), static_cast<QWidget*>(lblStatus),
                             static_cast<QWidget*>(lblError), static_cast<QWidget*>(lblInfo)})
         layout->addWidget(widget);
-    layout->addLayout(buttons);
+    layout->addLayout(m_buttons);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::reject);
-    setMinimumWidth(420);
+}
+
+void frmSendBase::addButton(QPushButton* button) {
+    m_buttons->insertWidget(1, button);
 }
 
 void frmSendBase::TranslateForm() {
@@ -53,7 +62,7 @@ void frmSendBase::TranslateForm() {
 }
 
 void frmSendBase::SetStatusTxt(const QString& text) {
-    lblStatus->setText(text);
+    showLine(lblStatus, text);
 }
 
 QString frmSendBase::statusText() const {
@@ -65,11 +74,16 @@ QString frmSendBase::errorText() const {
 }
 
 void frmSendBase::setError(const QString& text) {
-    lblError->setText(text);
+    showLine(lblError, text);
 }
 
 void frmSendBase::setHint(const QString& text) {
-    lblInfo->setText(text);
+    showLine(lblInfo, text);
+}
+
+void frmSendBase::showLine(QLabel* label, const QString& text) {
+    label->setText(text);
+    label->setVisible(!text.isEmpty());
 }
 
 void frmSendBase::setWorking(bool working) {

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 
+class QHBoxLayout;
 class QLabel;
 class QProgressBar;
 class QPushButton;
@@ -35,12 +36,15 @@ protected:
     // The close button is shut while a transfer runs.
     void setWorking(bool working);
     QVBoxLayout* content() const { return m_content; }
+    // A button of the dialog's own, beside the close button.
+    void addButton(QPushButton* button);
     QProgressBar* progress() const { return prgDownload; }
     QPushButton* closeButton() const { return cmdClose; }
     clsMMSCommunication& connection() const { return m_connection; }
 
 private:
     void showResult(int code);
+    static void showLine(QLabel* label, const QString& text);
 
     clsMMSCommunication& m_connection;
     QVBoxLayout* m_content;
@@ -49,5 +53,6 @@ private:
     QLabel* lblInfo;
     QProgressBar* prgDownload;
     QPushButton* cmdClose;
+    QHBoxLayout* m_buttons;
     bool m_working = false;
 };
