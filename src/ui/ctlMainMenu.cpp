@@ -56,8 +56,9 @@ ctlMainMenu::ctlMainMenu(QWidget* parent) : QMenuBar(parent) {
     for (auto key = shortcutKeys().cbegin(); key != shortcutKeys().cend(); ++key) {
         auto* action = new QAction(this);
         action->setShortcuts(key.value());
-        action->setShortcutContext(Qt::WindowShortcut);
         const int number = key.key();
+        // Help answers in every window of the program, about that window.
+        action->setShortcutContext(number == Help ? Qt::ApplicationShortcut : Qt::WindowShortcut);
         connect(action, &QAction::triggered, this, [this, number] { emit MenuClick(number); });
         m_shortcuts.insert(number, action);
     }

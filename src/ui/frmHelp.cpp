@@ -1,12 +1,38 @@
 #include "frmHelp.h"
 
+#include <QHash>
+#include <QPointer>
 #include <QTextBrowser>
 #include <QUrl>
 #include <QVBoxLayout>
 
-frmHelp::frmHelp(QWidget* parent) : QWidget(parent, Qt::Window), m_browser(new QTextBrowser(this)) {
+namespace {
+QPointer<frmHelp>& openWindow() {
+    static QPointer<frmHelp> window;
+    return window;
+}
+
+// Windows without a part of their own are told of where they are used.
+const QHash<QString, QString>& topics() {
+    static const QHash<QString, QString> byWindow{{"frmMain", "slides"},
+                                                  {"frmPreview", "preview"},
+                                                  {"frmSettings", "settings"},
+                                                  {"frmDownloadMMS", "phone"},
+                                                  {"frmDownloadImage", "phone"},
+                                                  {"frmExport", "export"},
+                                                  {"frmImport", "export"},
+                                                  {"frmMmsInfo", "files"},
+                                                  {"frmPictureBrowser", "picture"},
+                                                  {"FrmAudioEdit", "sound"}};
+    return byWindow;
+}
+} // namespace
+
+frmHelp::frmHelp() : QWidget(nullptr, Qt::Window), m_browser(new QTextBrowser(this)) {
     setObjectName("frmHelp");
     setAttribute(Qt::WA_DeleteOnClose);
+    // Reading the help never keeps the program running after its window closed.
+    setAttribute(Qt::WA_QuitOnClose, false);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_browser);
@@ -14,17 +40,30 @@ frmHelp::frmHelp(QWidget* parent) : QWidget(parent, Qt::Window), m_browser(new Q
     resize(640, 560);
 }
 
-void frmHelp::load(const QString& file) {
-    m_browser->setSource(QUrl::fromLocalFile(file));
+void frmHelp::load(const QString& file, const QString& topic) {
+    QUrl page = QUrl::fromLocalFile(file);
+    page.setFragment(topic.isEmpty() ? QString() : topic);
+    m_browser->setSource(page);
     setWindowTitle(m_browser->documentTitle());
 }
 
-frmHelp* frmHelp::showFile(const QString& file, QWidget* parent) {
-    auto* window =
-        parent ? parent->findChild<frmHelp*>(QString(), Qt::FindDirectChildrenOnly) : nullptr;
+QString frmHelp::shownTopic() const {
+    return m_browser->source().fragment();
+}
+
+frmHelp* frmHelp::current() {
+    return openWindow();
+}
+
+QString frmHelp::topicOf(const QWidget* window) {
+    return window ? topics().value(window->objectName()) : QString();
+}
+
+frmHelp* frmHelp::showFile(const QString& file, const QString& topic) {
+    QPointer<frmHelp>& window = openWindow();
     if (!window)
-        window = new frmHelp(parent);
-    window->load(file);
+        window = new frmHelp;
+    window->load(file, topic);
     window->show();
     window->raise();
     window->activateWindow();

@@ -4,6 +4,7 @@
 #include "DialogService.h"
 #include "EventPump.h"
 #include "FileCommands.h"
+#include "HelpKey.h"
 #include "MessageDocument.h"
 #include "PhoneConnection.h"
 #include "PreviewController.h"
@@ -24,6 +25,7 @@
 #include "ctlMainMenu.h"
 #include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
+#include "frmAbout.h"
 #include "frmDownloadImage.h"
 #include "frmDownloadMMS.h"
 #include "frmHelp.h"
@@ -74,6 +76,7 @@ frmMain::frmMain(QWidget* parent)
     connectControls();
     connectEditor();
     connectPreview();
+    connectHelp();
     TimerExitWait.setSingleShot(true);
     TimerExitWait.setInterval(0);
     connect(&TimerExitWait, &QTimer::timeout, this, &QWidget::close);
@@ -140,6 +143,7 @@ void frmMain::showSettings() {
 // The document goes before the manager it works on, and without telling the
 // half-destroyed window about its history going.
 frmMain::~frmMain() {
+    delete frmHelp::current();
     m_editor->blockSignals(true);
     m_editor->ClearPicture();
     m_document->undoStack().blockSignals(true);
@@ -226,6 +230,10 @@ void frmMain::connectControls() {
         m_editor->SaveDrawObjects();
         m_slides->deleteSlide(m_document->currentSlide());
     });
+}
+
+void frmMain::connectHelp() {
+    connect(new HelpKey(this), &HelpKey::pressed, this, &frmMain::showHelp);
 }
 
 void frmMain::connectPreview() {
@@ -543,13 +551,11 @@ void frmMain::showHelp() {
                                   QMessageBox::Information);
         return;
     }
-    frmHelp::showFile(file, this);
+    frmHelp::showFile(file, frmHelp::topicOf(QApplication::activeWindow()));
 }
 
 void frmMain::showAbout() {
-    DialogService::messageBox(this,
-                              applicationTitle() + text("STR_ABOUT_VERSION", " version: ") +
-                                  QApplication::applicationVersion(),
-                              text("APP_PRODUCTNAME", "Vellumo"), QMessageBox::Ok,
-                              QMessageBox::Information);
+    auto* about = new frmAbout(this);
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->open();
 }

@@ -77,6 +77,7 @@ private:
     void buildWindow();
     QDockWidget* dock(const char* name, QWidget* content, Qt::DockWidgetArea area);
     void connectEditor();
+    void connectHelp();
     void showSelectedText();
     void putOnSlide(int thumbType, const QString& path);
     void mFrmPictureBrowser_AddPicture(const QString& file);

@@ -5,17 +5,22 @@
 #include "clsPropertiesXML.h"
 #include "clsXMLocalizer.h"
 #include "ctlMainMenu.h"
+#include "frmAbout.h"
+#include "frmHelp.h"
 #include "frmPictureBrowser.h"
 #include "frmSettings.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextBrowser>
 
 // The settings dialog as the user meets it: opened from the menu, typed
 // into, and closed by its three buttons; what it wrote is read from the
@@ -163,4 +168,35 @@ TEST_F(SettingsDialogTest, TheSendCommandOfThisSystemIsTheBluetoothSender) {
     typeInto(command, "obexftp --put \"%f%\"");
     press(dialog, QDialogButtonBox::Apply);
     EXPECT_EQ(irDaCommandline(*AppGlobals::settings()), "obexftp --put \"%f%\"");
+}
+
+// F1 answers in whichever window is in front, with the part of the help
+// about it, in a window that a waiting dialog does not block.
+TEST_F(SettingsDialogTest, HelpOpensAtThePartAboutTheWindowInFront) {
+    AppGlobals::setHelpFile(programFile("help/en-us.html"));
+    window().activateWindow();
+    QTest::keyClick(&window(), Qt::Key_F1);
+    ASSERT_NE(frmHelp::current(), nullptr);
+    EXPECT_EQ(frmHelp::current()->shownTopic(), "slides");
+    frmHelp::current()->close();
+
+    frmSettings* dialog = open();
+    dialog->activateWindow();
+    QTRY_COMPARE(QApplication::activeWindow(), dialog);
+    QTest::keyClick(dialog->focusWidget() ? dialog->focusWidget() : dialog, Qt::Key_F1);
+    ASSERT_NE(frmHelp::current(), nullptr);
+    EXPECT_EQ(frmHelp::current()->shownTopic(), "settings");
+    EXPECT_TRUE(frmHelp::current()->isVisible());
+    EXPECT_EQ(frmHelp::current()->parentWidget(), nullptr);
+}
+
+TEST_F(SettingsDialogTest, AboutNamesTheVersionAndTheLibrariesWithTheirLicences) {
+    window().mainMenu()->MenuClick(ctlMainMenu::About);
+    auto* about = window().findChild<frmAbout*>();
+    ASSERT_NE(about, nullptr);
+    EXPECT_EQ(about->findChild<QLabel*>("lblVersion")->text(),
+              "Vellumo version: " + QApplication::applicationVersion());
+    const QString libraries = about->findChild<QTextBrowser*>("txtLibraries")->toPlainText();
+    for (const char* named : {"Qt 6", "pugixml", "libarchive", "FFmpeg", "OpenOBEX", "LGPL"})
+        EXPECT_TRUE(libraries.contains(named)) << named;
 }
