@@ -1,28 +1,13 @@
 #include "SmilVideoPlayer.h"
 
 #include "AppGlobals.h"
+#include "MediaSource.h"
 
 #include <QFileInfo>
 #include <QMediaPlayer>
 #include <QUrl>
 #include <QVideoFrame>
 #include <QVideoSink>
-
-#ifdef __SANITIZE_ADDRESS__
-#include <sanitizer/lsan_interface.h>
-#endif
-
-namespace {
-// Qt's FFmpeg backend (6.4) opens each decoder with an options dictionary it
-// never frees: a few bytes per video, not ours to mend, which would otherwise
-// bury the leak checker's findings in our own code.
-void openSource(QMediaPlayer& player, const QString& file) {
-#ifdef __SANITIZE_ADDRESS__
-    __lsan::ScopedDisabler foreignLeak;
-#endif
-    player.setSource(QUrl::fromLocalFile(file));
-}
-} // namespace
 
 SmilVideoPlayer::SmilVideoPlayer(QObject* parent)
     : QObject(parent), m_player(new QMediaPlayer(this)), m_sink(new QVideoSink(this)) {
@@ -47,7 +32,7 @@ void SmilVideoPlayer::play(const SmilTimeline::Item& item) {
     m_file = item.file;
     m_start = item.start;
     m_area = item.area;
-    openSource(*m_player, item.file);
+    MediaSource::open(*m_player, item.file);
     m_player->play();
 }
 

@@ -3,12 +3,21 @@
 #include "AppGlobals.h"
 #include "clsXMLocalizer.h"
 
+#include "AppPaths.h"
+#include "MediaSource.h"
+
 #include <QApplication>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLinearGradient>
+#include <QMediaPlayer>
+#include <QMovie>
 #include <QPainter>
 #include <QScreen>
 #include <QTimer>
+#include <QUrl>
+#include <QVideoFrame>
+#include <QVideoSink>
 
 frmSplash::frmSplash(QWidget* parent)
     : QWidget(parent, Qt::SplashScreen | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint),
@@ -26,19 +35,76 @@ frmSplash::frmSplash(QWidget* parent)
 }
 
 void frmSplash::setVideo(const QString& file) {
-    const QPixmap picture(file);
-    if (picture.isNull())
+    if (file.isEmpty())
         return;
-    m_picture = picture.scaled(480, 300, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    setFixedSize(m_picture.size());
-    lblLoading->setGeometry(20, height() - 36, width() - 40, 24);
+    const QString path = QFileInfo(file).isRelative() ? AppPaths::programFolder() + file : file;
+    if (playMovie(path))
+        return;
+    const QPixmap picture(path);
+    if (!picture.isNull())
+        return show(picture);
+    if (QFileInfo(path).isFile())
+        playVideo(path);
 }
 
+// Shown no larger than a splash should be; the window takes the picture's size.
+void frmSplash::show(const QPixmap& picture) {
+    m_picture = picture.scaled(QSize(480, 300).boundedTo(picture.size()), Qt::KeepAspectRatio,
+                               Qt::SmoothTransformation);
+    setFixedSize(m_picture.size());
+    lblLoading->setGeometry(20, height() - 36, width() - 40, 24);
+    update();
+}
+
+// An animated picture plays its frames once round.
+bool frmSplash::playMovie(const QString& file) {
+    auto* movie = new QMovie(file, QByteArray(), this);
+    if (!movie->isValid() || movie->frameCount() < 2) {
+        delete movie;
+        return false;
+    }
+    m_movie = movie;
+    movie->jumpToFrame(0);
+    show(movie->currentPixmap());
+    connect(movie, &QMovie::frameChanged, this, [this] {
+        if (++m_framesPlayed > m_movie->frameCount())
+            return finish();
+        show(m_movie->currentPixmap());
+    });
+    return true;
+}
+
+// A video plays until it ends; its first picture sets the splash's size.
+void frmSplash::playVideo(const QString& file) {
+    m_player = new QMediaPlayer(this);
+    m_sink = new QVideoSink(this);
+    m_player->setVideoSink(m_sink);
+    connect(m_sink, &QVideoSink::videoFrameChanged, this, &frmSplash::takeFrame);
+    connect(m_player, &QMediaPlayer::mediaStatusChanged, this,
+            [this](QMediaPlayer::MediaStatus status) {
+                if (status == QMediaPlayer::EndOfMedia || status == QMediaPlayer::InvalidMedia)
+                    finish();
+            });
+    MediaSource::open(*m_player, file);
+}
+
+void frmSplash::takeFrame(const QVideoFrame& frame) {
+    const QImage picture = frame.toImage();
+    if (!picture.isNull())
+        show(QPixmap::fromImage(picture));
+}
+
+// What plays ends the splash when it ends, within a longest time.
 void frmSplash::startPlayback(int durationMs) {
     if (const QScreen* screen = QGuiApplication::primaryScreen())
         move(screen->availableGeometry().center() - rect().center());
-    show();
-    m_timer->start(durationMs);
+    QWidget::show();
+    const bool plays = m_movie || m_player;
+    m_timer->start(plays ? kLongestPlayMs : durationMs);
+    if (m_movie)
+        m_movie->start();
+    if (m_player)
+        m_player->play();
 }
 
 void frmSplash::paintEvent(QPaintEvent*) {
@@ -51,7 +117,13 @@ void frmSplash::mousePressEvent(QMouseEvent*) {
 }
 
 void frmSplash::finish() {
+    if (m_closing)
+        return;
     m_closing = true;
+    if (m_movie)
+        m_movie->stop();
+    if (m_player)
+        m_player->stop();
     close();
 }
 

@@ -1,6 +1,7 @@
 #include "AppGlobals.h"
 #include "AppPaths.h"
 #include "DialogService.h"
+#include "ProgramRun.h"
 #include "RunningCopy.h"
 #include "SingleInstance.h"
 #include "TempDataHome.h"
@@ -75,6 +76,39 @@ TEST_F(StartupTest, TheSplashShowsWhenAskedAndClosesItself) {
     for (int i = 0; i < 100 && watched; ++i)
         QTest::qWait(10);
     EXPECT_TRUE(watched.isNull()) << "the splash closes and goes away by itself";
+}
+
+// A video and an animated picture each play once round and end the splash;
+// a file that is neither leaves the drawn picture.
+TEST_F(StartupTest, TheSplashPlaysTheVideoOrAnimationTheSettingsName) {
+    const QString gif = dataFile("turn.gif");
+    const ProgramRun animation = runProgram(
+        "convert", {"-delay", "20", "-size", "60x40", "xc:red", "xc:lime", "xc:blue", gif});
+    ASSERT_EQ(animation.code, 0) << animation.err.toStdString();
+    const QString video = dataFile("turn.mp4");
+    const ProgramRun clip = runProgram(
+        "ffmpeg", {"-loglevel", "error", "-f", "lavfi", "-i",
+                   "color=c=red:s=64x48:d=0.3:r=10[a];color=c=lime:s=64x48:d=0.5:r=10[b];"
+                   "[a][b]concat=n=2:v=1",
+                   "-pix_fmt", "yuv420p", video});
+    ASSERT_EQ(clip.code, 0) << clip.err.toStdString();
+    const auto centre = [](const frmSplash& splash) {
+        return splash.picture().toImage().pixelColor(splash.picture().rect().center());
+    };
+    for (const QString& file : {gif, video}) {
+        frmSplash splash;
+        splash.setVideo(file);
+        splash.setAttribute(Qt::WA_DeleteOnClose, false);
+        splash.startPlayback();
+        QTRY_VERIFY_WITH_TIMEOUT(centre(splash).green() > 200 && centre(splash).red() < 80, 5000);
+        QTRY_VERIFY_WITH_TIMEOUT(splash.isClosing(), 5000);
+        EXPECT_FALSE(splash.isVisible()) << file.toStdString();
+    }
+    writeFile(dataFile("not.mp4"), "no video here");
+    frmSplash plain;
+    const QImage drawn = plain.picture().toImage();
+    plain.setVideo(dataFile("not.mp4"));
+    EXPECT_EQ(plain.picture().toImage(), drawn);
 }
 
 TEST_F(StartupTest, GermanSettingsGiveGermanTextsAndHelp) {
