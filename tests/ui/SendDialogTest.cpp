@@ -1,8 +1,10 @@
 #include "AppGlobals.h"
+#include "DialogService.h"
 #include "MainWindowFixture.h"
 #include "MessageDocument.h"
 #include "PhoneConnection.h"
 #include "ProgramRun.h"
+#include "TransferOptions.h"
 #include "TransferTestSupport.h"
 #include "clsMMSCommunication.h"
 #include "clsPropertiesXML.h"
@@ -200,4 +202,36 @@ TEST_F(SendDialogTest, TheMessageArrivesAtARealObexServer) {
     QTRY_VERIFY_WITH_TIMEOUT(QFileInfo::exists(server.folder() + "/mms.tpl"), 5000);
     const ProgramRun listing = runProgram("tar", {"-tf", server.folder() + "/mms.tpl"});
     EXPECT_TRUE(listing.out.contains("texts.xml")) << server.log().toStdString();
+}
+
+// The status bar's lamp: lit and blinking while a phone is there (here the
+// send command's program), steady when the settings say so, and a kind of
+// connection this computer lacks is said once and written back as off.
+TEST_F(SendDialogTest, TheLampFollowsThePhoneAndAMissingKindIsSaid) {
+    setting("CommunicationType", "1");
+    setting("BlinkLed", "1");
+    AppGlobals::settings()->SetProp("IrDaCommand", irDaFamily(), "cat \"%f%\"");
+    PhoneConnection* phone = window().phone();
+    phone->setUp();
+    QTRY_VERIFY_WITH_TIMEOUT(phone->connection().isConnected(), 5000);
+    EXPECT_EQ(phone->indicator()->findChild<QLabel*>("lblPhone")->text(), "Phone connected: cat");
+    const bool lit = phone->lampLit();
+    QTRY_VERIFY_WITH_TIMEOUT(phone->lampLit() != lit, 2000);
+    QTRY_VERIFY_WITH_TIMEOUT(phone->lampLit() == lit, 2000);
+
+    setting("BlinkLed", "0");
+    phone->setUp();
+    QTRY_VERIFY_WITH_TIMEOUT(phone->connection().isConnected(), 5000);
+    QTest::qWait(1200);
+    EXPECT_TRUE(phone->lampLit()) << "steady";
+
+    setting("CommunicationType", "3");
+    AppGlobals::settings()->SetProp("PhoneTransfer", "SuiteProgram", "no-such-phone-suite");
+    DialogService::queueAnswer(QMessageBox::Ok);
+    phone->setUp();
+    ASSERT_EQ(DialogService::answeredBoxes().size(), 1);
+    EXPECT_EQ(DialogService::answeredBoxes()[0].title, "Phone connection");
+    EXPECT_EQ(AppGlobals::setting("preferences", "CommunicationType", ""), "0");
+    EXPECT_EQ(phone->indicator()->findChild<QLabel*>("lblPhone")->text(), "Sending switched off");
+    EXPECT_FALSE(phone->lampLit());
 }
