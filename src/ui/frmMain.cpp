@@ -46,8 +46,7 @@
 
 namespace {
 // Commands whose windows are not built yet: shown, but not offered.
-const int kNotYetOffered[] = {ctlMainMenu::Import, ctlMainMenu::Export, ctlMainMenu::Info,
-                              ctlMainMenu::Background, ctlMainMenu::DownloadPicture};
+const int kNotYetOffered[] = {ctlMainMenu::Import, ctlMainMenu::Export, ctlMainMenu::Info};
 
 QString text(const char* key, const char* fallback) {
     return AppGlobals::text(key, fallback);
@@ -361,6 +360,9 @@ void frmMain::onMenuClick(int number) {
         break;
     case ctlMainMenu::DownloadPicture:
         sendSlidePicture();
+        break;
+    case ctlMainMenu::Background:
+        m_editor->BrowseAddBackground();
         break;
     case ctlMainMenu::Preview:
         m_previewer->togglePlaying();

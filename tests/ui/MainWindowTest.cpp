@@ -9,14 +9,17 @@
 #include "TempDataHome.h"
 #include "TextPropertiesPanel.h"
 #include "ToolTabs.h"
+#include "clsMessage.h"
 #include "clsPropertiesXML.h"
 #include "ctlMainMenu.h"
 #include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
 #include "ctlSlideTime.h"
+#include "frmDownloadImage.h"
 #include "frmMain.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -232,4 +235,26 @@ TEST_F(MainWindowTest, AStyleChosenWhileTypingIsKeptAndAChoiceStaysOnItsSlide) {
     ASSERT_TRUE(document().duplicateSlideAfter(1));
     document().setCurrentSlide(2);
     EXPECT_EQ(editor->selectedObject(), 0) << "nothing is chosen on a slide not yet touched";
+}
+
+// The Slide menu's picture commands: a background chosen from a file, and
+// the slide's picture offered to the send dialog.
+TEST_F(MainWindowTest, TheSlideMenuSetsABackgroundAndSendsThePicture) {
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::magenta);
+    const QString file = dataFile("back.png");
+    ASSERT_TRUE(picture.save(file));
+    DialogService::queueFileAnswer(file);
+    window().mainMenu()->MenuClick(ctlMainMenu::Background);
+    const clsSlide& slide = window().document().message()->Slides().Item(1);
+    EXPECT_FALSE(slide.DrawObjects().BackPicture().isEmpty());
+    EXPECT_TRUE(window().document().isModified());
+
+    ASSERT_TRUE(window().mainMenu()->isItemEnabled(ctlMainMenu::DownloadPicture));
+    window().mainMenu()->MenuClick(ctlMainMenu::DownloadPicture);
+    auto* dialog = window().findChild<frmDownloadImage*>();
+    ASSERT_NE(dialog, nullptr);
+    const QPixmap shown = dialog->findChild<QLabel*>("lblPicture")->pixmap();
+    ASSERT_FALSE(shown.isNull());
+    EXPECT_EQ(shown.toImage().pixelColor(shown.rect().center()), QColor(Qt::magenta));
 }
