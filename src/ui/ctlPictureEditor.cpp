@@ -587,8 +587,8 @@ QString startFolder(const char* browser) {
 }
 
 // Starts where the user last picked a picture.
-QString pickPicture(QWidget* parent, const PictureEditorMenu& menu, const char* browser) {
-    static QString lastFolder;
+QString pickPicture(QWidget* parent, const PictureEditorMenu& menu, const char* browser,
+                    QString& lastFolder) {
     DialogService::FileRequest request;
     request.title = menu.caption("STR_DLG_LOAD_PIC");
     request.folder = lastFolder.isEmpty() ? startFolder(browser) : lastFolder;
@@ -601,13 +601,13 @@ QString pickPicture(QWidget* parent, const PictureEditorMenu& menu, const char* 
 } // namespace
 
 void ctlPictureEditor::BrowseAddBackground() {
-    const QString chosen = pickPicture(this, m_menu, "Backgrounds");
+    const QString chosen = pickPicture(this, m_menu, "Backgrounds", m_lastPictureFolder);
     if (!chosen.isEmpty())
         AddBackgroundPicture(chosen);
 }
 
 void ctlPictureEditor::BrowseAddPicture() {
-    const QString chosen = pickPicture(this, m_menu, "Pictures");
+    const QString chosen = pickPicture(this, m_menu, "Pictures", m_lastPictureFolder);
     if (!chosen.isEmpty())
         AddImage(chosen);
 }

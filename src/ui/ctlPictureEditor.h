@@ -145,4 +145,6 @@ private:
     QRect m_startRect;
     QPointer<QPlainTextEdit> m_inPlace;
     int m_inPlaceIndex = 0;
+    // Where the user last picked a picture file, for the next pick.
+    QString m_lastPictureFolder;
 };
