@@ -24,6 +24,7 @@
 #include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
 #include "frmHelp.h"
+#include "frmMmsInfo.h"
 #include "frmPictureBrowser.h"
 #include "frmPreview.h"
 
@@ -40,8 +41,7 @@
 
 namespace {
 // Commands whose windows are not built yet: shown, but not offered.
-const int kNotYetOffered[] = {ctlMainMenu::Import,     ctlMainMenu::Export,
-                              ctlMainMenu::Info,       ctlMainMenu::Settings,
+const int kNotYetOffered[] = {ctlMainMenu::Import, ctlMainMenu::Export, ctlMainMenu::Settings,
                               ctlMainMenu::Background, ctlMainMenu::DownloadPicture};
 
 QString text(const char* key, const char* fallback) {
@@ -280,6 +280,9 @@ void frmMain::onMenuClick(int number) {
         break;
     case ctlMainMenu::SaveAs:
         m_files->saveAs();
+        break;
+    case ctlMainMenu::Info:
+        frmMmsInfo::showFor(this, m_manager, m_document->message());
         break;
     case ctlMainMenu::Recent:
         m_files->openRecent(m_menu->GetRecentSelectedFile());
