@@ -16,6 +16,7 @@ int durationFormat() {
 bool SendForm::write(clsMMSManager& manager, clsMessage& message, const QString& folder) {
     const QString base = folder.endsWith('/') ? folder : folder + '/';
     m_parts.clear();
+    m_slides.clear();
     m_packed = base + kBaseName + ".wap";
     if (manager.ExportMMS(message, clsMMSManager::ExportSmil, durationFormat(),
                           base + kBaseName + ".smil", true) != clsMMSManager::ExportOk) {
@@ -28,6 +29,7 @@ bool SendForm::write(clsMMSManager& manager, clsMessage& message, const QString&
     }
     for (const QString& name : MmsPacker::partNames(message.MMSFileList()))
         m_parts.append({name, base + name});
+    m_slides = manager.exportedSlides();
     m_bytes = QFileInfo(m_packed).size();
     m_error.clear();
     return true;
@@ -36,6 +38,7 @@ bool SendForm::write(clsMMSManager& manager, clsMessage& message, const QString&
 void SendForm::assign(qint64 bytes, QList<Part> parts) {
     m_bytes = bytes;
     m_parts = std::move(parts);
+    m_slides.clear();
     m_packed.clear();
     m_error.clear();
 }

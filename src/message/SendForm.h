@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SmilExporter.h"
+
 #include <QList>
 #include <QString>
 
@@ -23,12 +25,15 @@ public:
 
     qint64 bytes() const { return m_bytes; }
     const QList<Part>& parts() const { return m_parts; }
+    // Which parts each slide that went out became, in slide order.
+    const QList<SmilExporter::SlideFiles>& slides() const { return m_slides; }
     QString packedPath() const { return m_packed; }
     QString error() const { return m_error; }
 
 private:
     qint64 m_bytes = 0;
     QList<Part> m_parts;
+    QList<SmilExporter::SlideFiles> m_slides;
     QString m_packed;
     QString m_error;
 };

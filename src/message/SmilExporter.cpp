@@ -83,6 +83,7 @@ bool SmilExporter::run(clsMessage& message, const Progress& progress) {
 
 bool SmilExporter::exportSlide(const clsSlide& slide, const QString& workFolder,
                                pugi::xml_node par) {
+    m_slideFiles.append({slide.index(), {}, {}, {}});
     return exportPicture(slide, workFolder, par) && exportSound(slide, workFolder, par) &&
            exportText(slide, par);
 }
@@ -114,6 +115,7 @@ bool SmilExporter::exportPicture(const clsSlide& slide, const QString& workFolde
     DomAttributes::set(img, "src", name);
     DomAttributes::set(img, "region", "Image");
     m_files << name;
+    m_slideFiles.last().picture = name;
     return true;
 }
 
@@ -138,6 +140,7 @@ bool SmilExporter::exportSound(const clsSlide& slide, const QString& workFolder,
     }
     DomAttributes::set(par.append_child("audio"), "src", name);
     m_files << name;
+    m_slideFiles.last().sound = name;
     return true;
 }
 
@@ -158,6 +161,7 @@ bool SmilExporter::exportText(const clsSlide& slide, pugi::xml_node par) {
     DomAttributes::set(textNode, "src", name);
     DomAttributes::set(textNode, "region", "Text");
     m_files << name;
+    m_slideFiles.last().text = name;
     return true;
 }
 

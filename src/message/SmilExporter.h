@@ -2,6 +2,7 @@
 
 #include "ImageWriter.h"
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -18,6 +19,13 @@ class clsSlide;
 class SmilExporter {
 public:
     using Progress = std::function<void(int slide, int count)>;
+    // The files one slide went out as, by name; empty for what it lacks.
+    struct SlideFiles {
+        int slide = 0;
+        QString picture;
+        QString sound;
+        QString text;
+    };
 
     SmilExporter(QString folder, QString baseName, bool templateFlavour, int durationFormat);
 
@@ -27,6 +35,8 @@ public:
     QStringList files() const { return m_files; }
     // Slides left out for lasting less than 1 ms, by number.
     QStringList skippedSlides() const { return m_skipped; }
+    // Every slide that went out, in order.
+    QList<SlideFiles> slideFiles() const { return m_slideFiles; }
     QString presentationName() const;
     QString textsIndexName() const;
 
@@ -51,5 +61,6 @@ private:
     pugi::xml_document m_texts;
     QStringList m_files;
     QStringList m_skipped;
+    QList<SlideFiles> m_slideFiles;
     QString m_status;
 };

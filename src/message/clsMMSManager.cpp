@@ -343,6 +343,7 @@ void clsMMSManager::dropMissingMedia(clsMessage& message, const QHash<QString, Q
 int clsMMSManager::ExportMMS(clsMessage& message, int kind, int durationFormat,
                              const QString& target, bool overwrite) {
     m_notes.clear();
+    m_exportedSlides.clear();
     ClearTemplateFileType();
     if (kind == ExportTemplate || kind == ExportPackage)
         SetTemplateFileType();
@@ -362,6 +363,7 @@ int clsMMSManager::ExportMMS(clsMessage& message, int kind, int durationFormat,
     if (!exporter.run(message,
                       [this](int slide, int count) { emit ProsessingSlide(slide, count); }))
         return exportFailed(exporter.status());
+    m_exportedSlides = exporter.slideFiles();
     if (!exporter.skippedSlides().isEmpty())
         m_notes << AppGlobals::text("STR_EXPORT_SKIPPED_SLIDES",
                                     "Left out for lasting less than 1 ms: slide %0.",

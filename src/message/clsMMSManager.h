@@ -2,6 +2,7 @@
 
 #include "MmsPacker.h"
 #include "PrivateTempDir.h"
+#include "SmilExporter.h"
 #include "SmilImporter.h"
 #include "TarEngine.h"
 #include "UniqueNamer.h"
@@ -88,6 +89,8 @@ public:
     // What the last import or export took otherwise than it was written (a
     // slide whose duration reads as 0 ms, a slide left out), one line each.
     QStringList exportImportNotes() const { return m_notes; }
+    // The files each slide went out as in the last successful export.
+    QList<SmilExporter::SlideFiles> exportedSlides() const { return m_exportedSlides; }
     // The exported SMIL set of folder as a binary MMS, folder + baseName + ".wap".
     bool SaveAsMMS(const QString& folder, const QString& baseName, const QString& fileList,
                    const QString& messageName,
@@ -162,6 +165,7 @@ private:
     QString m_lastError;
     QString m_exportStatus;
     QStringList m_notes;
+    QList<SmilExporter::SlideFiles> m_exportedSlides;
     bool m_templateFileType = false;
     bool m_saveAsMmsOk = false;
     int m_saveAsMmsCode = 0;

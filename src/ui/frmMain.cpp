@@ -29,6 +29,7 @@
 #include "frmDownloadImage.h"
 #include "frmDownloadMMS.h"
 #include "frmHelp.h"
+#include "frmMmsInfo.h"
 #include "frmPictureBrowser.h"
 #include "frmPreview.h"
 #include "frmSettings.h"
@@ -46,7 +47,7 @@
 
 namespace {
 // Commands whose windows are not built yet: shown, but not offered.
-const int kNotYetOffered[] = {ctlMainMenu::Import, ctlMainMenu::Export, ctlMainMenu::Info};
+const int kNotYetOffered[] = {ctlMainMenu::Import, ctlMainMenu::Export};
 
 QString text(const char* key, const char* fallback) {
     return AppGlobals::text(key, fallback);
@@ -339,6 +340,9 @@ void frmMain::onMenuClick(int number) {
         break;
     case ctlMainMenu::SaveAs:
         m_files->saveAs();
+        break;
+    case ctlMainMenu::Info:
+        frmMmsInfo::showFor(this, m_manager, m_document->message());
         break;
     case ctlMainMenu::Recent:
         m_files->openRecent(m_menu->GetRecentSelectedFile());

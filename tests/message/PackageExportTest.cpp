@@ -76,7 +76,7 @@ TEST_F(PackageExportTest, TheBuiltPackageReadsBackWithEveryFile) {
     QStringList requisites;
     for (const QJsonValue& requisite : package["requisites"].toArray())
         requisites << QString::number(requisite.toObject()["uid"].toInteger(), 16);
-    EXPECT_EQ(requisites, QStringList({"10e7b29d", "10c4d6a3"}));
+    EXPECT_EQ(requisites, QStringList({"10c4d6a3", "10e7b29d"})) << "last line first";
 
     QStringList destinations;
     for (const QJsonValue& value : package["files"].toArray()) {
@@ -84,6 +84,7 @@ TEST_F(PackageExportTest, TheBuiltPackageReadsBackWithEveryFile) {
         const QString destination = file["destination"].toString();
         destinations.prepend(destination); // records come last file first
         const QString name = destination.section('\\', -1);
+        EXPECT_EQ(file["source"].toString(), name) << "no folder of this machine";
         EXPECT_EQ(file["data"].toArray().first().toObject()["sha256"].toString(),
                   sha256(m_out + name))
             << name.toStdString();

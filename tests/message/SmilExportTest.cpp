@@ -115,6 +115,15 @@ TEST_F(SmilExportTest, TheSetIsAWellFormedPresentationWithEveryFileBesideIt) {
     EXPECT_EQ(readFile(m_out + "Slide3.gif"), readFile(m_work + "B1.gif"));
     EXPECT_EQ(m_message->MMSFileList(),
               "Slide1.jpg;Slide1.amr;Slide1.txt;Slide3.gif;Slide3.mp3;texts.xml;mms.smil");
+    // Which slide each file came from, for those who list the parts by slide.
+    const QList<SmilExporter::SlideFiles> slides = m_manager.exportedSlides();
+    ASSERT_EQ(slides.size(), 2) << "the 0 ms slide went nowhere";
+    EXPECT_EQ(slides[0].slide, 1);
+    EXPECT_EQ(QStringList({slides[0].picture, slides[0].sound, slides[0].text}),
+              QStringList({"Slide1.jpg", "Slide1.amr", "Slide1.txt"}));
+    EXPECT_EQ(slides[1].slide, 3);
+    EXPECT_EQ(QStringList({slides[1].picture, slides[1].sound, slides[1].text}),
+              QStringList({"Slide3.gif", "Slide3.mp3", ""}));
 
     pugi::xml_document texts;
     ASSERT_TRUE(texts.load_file((m_out + "texts.xml").toLocal8Bit().constData()));

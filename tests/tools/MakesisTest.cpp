@@ -6,6 +6,7 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -95,9 +96,11 @@ protected:
         return QJsonDocument::fromJson(reader.out.toUtf8()).object();
     }
 
-    // The five lines the export writes for base name T and files a.jpg and b.amr in F.
-    QByteArray exportedPkg(const QString& extraHeaderWords = {}) const {
-        const QString folder = path(QStringLiteral("F/"));
+    // The five lines the export writes for base name T and files a.jpg and b.amr
+    // in sourceFolder.
+    QByteArray exportedPkg(const QString& extraHeaderWords = {},
+                           const QString& sourceFolder = QStringLiteral("F")) const {
+        const QString folder = path(sourceFolder) + u'/';
         const QStringList lines{
             "#{\"T\"},(0x10E7B29D),1,0,0,TYPE=SISUPGRADE" + extraHeaderWords,
             "(0x10E7B29D),1,0,0,{\"CopyOnlyStub\"}",
@@ -150,14 +153,15 @@ TEST_F(MakesisTest, TheExportedPackageReadsBackWithEveryRecord) {
     EXPECT_EQ(sis["names"].toArray(), QJsonArray({"T"}));
     EXPECT_EQ(sis["max_installed_space"].toInteger(), m_jpeg.size() + m_amr.size());
 
+    // Requisites, like files, are stored last line first.
     const QJsonArray requisites = sis["requisites"].toArray();
     ASSERT_EQ(requisites.size(), 2);
-    EXPECT_EQ(requisites[0].toObject()["uid"].toInteger(), 0x10E7B29D);
-    EXPECT_EQ(requisites[0].toObject()["names"].toArray(), QJsonArray({"CopyOnlyStub"}));
-    EXPECT_EQ(requisites[1].toObject()["uid"].toInteger(), 0x10C4D6A3);
-    EXPECT_EQ(requisites[1].toObject()["major"].toInt(), 1);
-    EXPECT_EQ(requisites[1].toObject()["names"].toArray(),
+    EXPECT_EQ(requisites[0].toObject()["uid"].toInteger(), 0x10C4D6A3);
+    EXPECT_EQ(requisites[0].toObject()["major"].toInt(), 1);
+    EXPECT_EQ(requisites[0].toObject()["names"].toArray(),
               QJsonArray({"CorvanePZentorxPlatformProductID"}));
+    EXPECT_EQ(requisites[1].toObject()["uid"].toInteger(), 0x10E7B29D);
+    EXPECT_EQ(requisites[1].toObject()["names"].toArray(), QJsonArray({"CopyOnlyStub"}));
 
     // The last file line comes first.
     const QJsonArray files = sis["files"].toArray();
@@ -168,6 +172,36 @@ TEST_F(MakesisTest, TheExportedPackageReadsBackWithEveryRecord) {
         EXPECT_FALSE(file["data"][0]["raw"].toBool()) << "stored as a zlib stream";
     EXPECT_LE(sis["last_string_end"].toInteger(), sis["first_data_start"].toInteger())
         << "every string lies before every file's data";
+}
+
+TEST_F(MakesisTest, ThePackageKeepsNoFolderNameOfTheMachineItWasBuiltOn) {
+    const QString folder = QStringLiteral("Private - tax papers 2025");
+    QDir(m_dir.path()).mkpath(folder);
+    write(folder + "/a.jpg", m_jpeg);
+    write(folder + "/b.amr", m_amr);
+    write(QStringLiteral("T.pkg"), exportedPkg({}, folder));
+    const ProgramRun run = makesis({path(QStringLiteral("T.pkg"))});
+    ASSERT_EQ(run.exitCode, 0) << run.err.toStdString();
+
+    QFile built(path(QStringLiteral("T.SIS")));
+    ASSERT_TRUE(built.open(QIODevice::ReadOnly));
+    const QByteArray package = built.readAll();
+    // Names are stored as UTF-16; an 8-bit copy would give the folder away as well.
+    const auto appears = [&package](const QString& text) {
+        const QByteArray utf16(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+        return package.contains(utf16) || package.contains(text.toUtf8());
+    };
+    EXPECT_FALSE(appears(folder));
+    EXPECT_FALSE(appears(QFileInfo(m_dir.path()).fileName())) << "nor the folder above it";
+
+    const QJsonObject sis = readSis(built.fileName());
+    EXPECT_TRUE(sis["checksum_ok"].toBool());
+    const QJsonArray files = sis["files"].toArray();
+    ASSERT_EQ(files.size(), 2);
+    EXPECT_EQ(files[0]["source"].toString(), "b.amr");
+    EXPECT_EQ(files[1]["source"].toString(), "a.jpg");
+    expectFile(files[0], templates + "b.amr", m_amr);
+    expectFile(files[1], templates + "a.jpg", m_jpeg);
 }
 
 TEST_F(MakesisTest, NoCompressStoresTheDataAsItIsAndAnOutputNameIsHonoured) {
@@ -215,6 +249,7 @@ TEST_F(MakesisTest, TwoLanguagesGiveTwoNamesCodesAndLanguageFiles) {
     EXPECT_EQ(sis["options"].toInt(), 0x0011);
     EXPECT_EQ(sis["requisites"][0]["names"].toArray(),
               QJsonArray({"Phone", QString::fromUtf8("Téléphone")}));
+    EXPECT_EQ(sis["files"][1]["source"].toString(), "a.jpg") << "'\\' separates folders too";
 
     const QJsonArray files = sis["files"].toArray();
     ASSERT_EQ(files.size(), 2);

@@ -3,6 +3,7 @@
 #include "Crc16.h"
 
 #include <QtEndian>
+#include <algorithm>
 #include <zlib.h>
 
 namespace {
@@ -90,7 +91,8 @@ qsizetype fileRecordSize(const FileEntry& entry) {
 
 // Where everything goes; offsets are from the start of the package.
 struct Layout {
-    QList<FileEntry> files; // in stored order: the reverse of the .pkg
+    QList<FileEntry> files;                // in stored order: the reverse of the .pkg
+    QList<const PkgRequisite*> requisites; // the same
     qint64 originalTotal = 0;
     qint64 filesPointer = 0;
     qint64 requisitesPointer = 0;
@@ -129,14 +131,27 @@ bool storeFiles(const PkgDefinition& definition, Layout& layout, PkgError& error
     return true;
 }
 
+// Requisites are stored last line first, as files are.
+void orderRequisites(const PkgDefinition& definition, Layout& layout) {
+    for (auto requisite = definition.requisites.crbegin();
+         requisite != definition.requisites.crend(); ++requisite)
+        layout.requisites << &*requisite;
+}
+
+// The package travels to other people: the folders of the machine it was
+// built on are none of their business, so a source is known by its name.
+QString sourceName(const PkgFile& file) {
+    const QString source = file.sources.value(0);
+    return source.mid(std::max(source.lastIndexOf(u'/'), source.lastIndexOf(u'\\')) + 1);
+}
+
 void placeRecords(const PkgDefinition& definition, Layout& layout) {
     const qsizetype languages = definition.languages.size();
     layout.filesPointer = headerSize + 2 * languages;
     layout.requisitesPointer = layout.filesPointer;
     for (const FileEntry& entry : layout.files)
         layout.requisitesPointer += fileRecordSize(entry);
-    layout.namePointer =
-        layout.requisitesPointer + definition.requisites.size() * (12 + 8 * languages);
+    layout.namePointer = layout.requisitesPointer + layout.requisites.size() * (12 + 8 * languages);
     layout.capabilitiesPointer = layout.namePointer + 8 * languages;
 }
 
@@ -146,12 +161,12 @@ void placeStringsAndData(const PkgDefinition& definition, Layout& layout) {
     StringBlock& strings = layout.strings;
     strings.start = layout.capabilitiesPointer; // no capabilities
     for (FileEntry& entry : layout.files) {
-        entry.source = strings.add(entry.file->sources.value(0));
+        entry.source = strings.add(sourceName(*entry.file));
         entry.destination = strings.add(entry.file->destination);
         entry.mimeType = strings.add(entry.file->mimeType);
     }
-    for (const PkgRequisite& requisite : definition.requisites)
-        layout.requisiteNames << strings.add(requisite.names);
+    for (const PkgRequisite* requisite : layout.requisites)
+        layout.requisiteNames << strings.add(requisite->names);
     layout.componentNames = strings.add(definition.names);
     layout.dataPointer = strings.start + strings.bytes.size();
     layout.total = layout.dataPointer;
@@ -210,9 +225,9 @@ void writeFileRecords(const Layout& layout, QByteArray& out) {
     }
 }
 
-void writeRequisites(const PkgDefinition& definition, const Layout& layout, QByteArray& out) {
-    for (qsizetype i = 0; i < definition.requisites.size(); ++i) {
-        const PkgRequisite& requisite = definition.requisites.at(i);
+void writeRequisites(const Layout& layout, QByteArray& out) {
+    for (qsizetype i = 0; i < layout.requisites.size(); ++i) {
+        const PkgRequisite& requisite = *layout.requisites.at(i);
         put32(out, requisite.uid);
         put16(out, requisite.version.major);
         put16(out, requisite.version.minor);
@@ -242,6 +257,7 @@ bool SisWriter::build(const PkgDefinition& definition, QByteArray& package) {
     Layout layout;
     if (!storeFiles(definition, layout, m_error))
         return false;
+    orderRequisites(definition, layout);
     placeRecords(definition, layout);
     placeStringsAndData(definition, layout);
     if (layout.originalTotal > maximumSize || layout.total > maximumSize)
@@ -253,7 +269,7 @@ bool SisWriter::build(const PkgDefinition& definition, QByteArray& package) {
     for (const quint16 language : definition.languages)
         put16(package, language);
     writeFileRecords(layout, package);
-    writeRequisites(definition, layout, package);
+    writeRequisites(layout, package);
     putSpans(package, layout.componentNames);
     package.append(layout.strings.bytes);
     for (const FileEntry& entry : layout.files)

@@ -7,7 +7,8 @@
 // Lays out an installation package (.SIS) for a package definition whose
 // sources are loaded: the 100-byte header, language, file, requisite,
 // component-name and capability records, then every string, then the file
-// data. File records come in the reverse of installation order.
+// data. File and requisite records come in the reverse of .pkg order, and a
+// file's source is recorded by its name alone.
 class SisWriter {
 public:
     // False, with error() set, when the package cannot be made (too large,
