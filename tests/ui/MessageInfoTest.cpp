@@ -90,7 +90,9 @@ protected:
         return "\t" + name + "\t" + QString::number(bytes) + " bytes";
     }
 
+    // The window follows the language of the settings, as after a restart.
     static void speak(const char* language) {
+        setting("Language", language);
         auto localizer = std::make_unique<clsXMLocalizer>(*AppGlobals::settings());
         ASSERT_TRUE(localizer->SetLanguage(language));
         AppGlobals::installLocalizer(std::move(localizer));
