@@ -1,5 +1,6 @@
 #include "frmHelp.h"
 
+#include <QApplication>
 #include <QHash>
 #include <QPointer>
 #include <QTextBrowser>
@@ -61,8 +62,12 @@ QString frmHelp::topicOf(const QWidget* window) {
 
 frmHelp* frmHelp::showFile(const QString& file, const QString& topic) {
     QPointer<frmHelp>& window = openWindow();
-    if (!window)
+    if (!window) {
         window = new frmHelp;
+        // Over the window the user asked from, as a child window would be.
+        if (const QWidget* asking = QApplication::activeWindow())
+            window->move(asking->geometry().center() - window->rect().center());
+    }
     window->load(file, topic);
     window->show();
     window->raise();
