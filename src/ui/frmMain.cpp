@@ -23,7 +23,9 @@
 #include "ctlMainMenu.h"
 #include "ctlPictureEditor.h"
 #include "ctlSlideThumbs.h"
+#include "frmExport.h"
 #include "frmHelp.h"
+#include "frmImport.h"
 #include "frmPictureBrowser.h"
 #include "frmPreview.h"
 
@@ -40,12 +42,18 @@
 
 namespace {
 // Commands whose windows are not built yet: shown, but not offered.
-const int kNotYetOffered[] = {ctlMainMenu::Import,     ctlMainMenu::Export,
-                              ctlMainMenu::Info,       ctlMainMenu::Settings,
-                              ctlMainMenu::Background, ctlMainMenu::DownloadPicture};
+const int kNotYetOffered[] = {ctlMainMenu::Info, ctlMainMenu::Settings, ctlMainMenu::Background,
+                              ctlMainMenu::DownloadPicture};
 
 QString text(const char* key, const char* fallback) {
     return AppGlobals::text(key, fallback);
+}
+
+// The export and import dialogs keep the window still while they run, and go when closed.
+void showFileJob(FileJobDialog* dialog) {
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowModality(Qt::ApplicationModal);
+    dialog->showAndAsk();
 }
 } // namespace
 
@@ -78,6 +86,7 @@ frmMain::frmMain(QWidget* parent)
         m_menu->recentFiles().load(*settings);
     m_panel->setTimeFormat(AppGlobals::setting("preferences", "MMSTimeFormat", "ms"));
     m_tools->applySettings();
+    m_menu->EnableExportImport(AppGlobals::setting("preferences", "ExportImport", "0") == "1");
     restorePosition();
     // The skin's phone may bring its own slide picture size.
     m_previewer->applySettings();
@@ -280,6 +289,12 @@ void frmMain::onMenuClick(int number) {
         break;
     case ctlMainMenu::SaveAs:
         m_files->saveAs();
+        break;
+    case ctlMainMenu::Export:
+        showFileJob(new frmExport(*m_document, this));
+        break;
+    case ctlMainMenu::Import:
+        showFileJob(new frmImport(*m_files, m_manager, this));
         break;
     case ctlMainMenu::Recent:
         m_files->openRecent(m_menu->GetRecentSelectedFile());
