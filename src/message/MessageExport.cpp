@@ -64,10 +64,9 @@ int MessageExport::run(clsMessage& message, Kind kind, int durationFormat, const
     const QString folder = target.absolutePath() + u'/';
     QTemporaryDir stage(folder + QStringLiteral(".vellumo-export-XXXXXX"));
     if (!stage.isValid()) {
-        fail(AppGlobals::text("STR_EXPORT_FOLDER_UNWRITABLE",
-                              "Nothing can be written into the folder %0: %1",
-                              {QDir::toNativeSeparators(target.absolutePath()),
-                               stage.errorString()}));
+        fail(AppGlobals::text(
+            "STR_EXPORT_FOLDER_UNWRITABLE", "Nothing can be written into the folder %0: %1",
+            {QDir::toNativeSeparators(target.absolutePath()), stage.errorString()}));
         return clsMMSManager::ExportFailed;
     }
     const QString staged = stage.path() + u'/';

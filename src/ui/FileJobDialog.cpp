@@ -18,9 +18,9 @@
 
 FileJobDialog::FileJobDialog(clsMMSManager& manager, MemoryKeys keys, QWidget* parent)
     : QDialog(parent), m_manager(manager), m_keys(keys), txtFile(new QLineEdit(this)),
-      cmdBrowse(new QPushButton(this)), m_fields(new QGridLayout),
-      lblStatus(new QLabel(this)), prgSlides(new QProgressBar(this)),
-      cmdRun(new QPushButton(this)), cmdCancel(new QPushButton(this)) {
+      cmdBrowse(new QPushButton(this)), m_fields(new QGridLayout), lblStatus(new QLabel(this)),
+      prgSlides(new QProgressBar(this)), cmdRun(new QPushButton(this)),
+      cmdCancel(new QPushButton(this)) {
     lblFile = FieldLabel::create(txtFile, this);
     txtFile->setObjectName(QStringLiteral("txtFile"));
     txtFile->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
@@ -32,7 +32,10 @@ FileJobDialog::FileJobDialog(clsMMSManager& manager, MemoryKeys keys, QWidget* p
     lblStatus->setMinimumHeight(fontMetrics().lineSpacing() * 4);
     lblStatus->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     prgSlides->setObjectName(QStringLiteral("prgSlides"));
+    // Empty and silent until a run counts its slides.
+    prgSlides->setRange(0, 1);
     prgSlides->setValue(0);
+    prgSlides->setTextVisible(false);
     cmdRun->setObjectName(QStringLiteral("cmdRun"));
     cmdRun->setDefault(true);
     cmdRun->setEnabled(false);
@@ -89,6 +92,8 @@ void FileJobDialog::setFileName(const QString& path) {
 
 void FileJobDialog::showAndAsk() {
     show();
+    raise();
+    activateWindow();
     if (AppGlobals::setting("preferences", "AutoShowExportImportFileDlg", "1") ==
         QLatin1String("1"))
         ShowFileDialog();
@@ -167,6 +172,7 @@ void FileJobDialog::showProgress(int slide, int count) {
         return;
     prgSlides->setRange(0, std::max(count, 1));
     prgSlides->setValue(slide);
+    prgSlides->setTextVisible(true);
     if (m_pumpEvents)
         pumpEvents();
     else

@@ -129,13 +129,11 @@ void frmExport::run() {
 QString frmExport::exportTo(clsMessage& message, const QString& path) {
     MessageExport exporter(m_document.manager());
     const int durations = cboDurations->currentIndex();
-    int result =
-        exporter.run(message, kind(), durations, path, false, MessageExport::OutputOnly);
+    int result = exporter.run(message, kind(), durations, path, false, MessageExport::OutputOnly);
     if (result == clsMMSManager::ExportExists) {
         const auto answer = DialogService::messageBox(
             this,
-            AppGlobals::text("STR_EXPORT_OVERWRITE",
-                             "The file %0 already exists! %nOverwrite it?",
+            AppGlobals::text("STR_EXPORT_OVERWRITE", "The file %0 already exists! %nOverwrite it?",
                              {QFileInfo(path).fileName()}),
             text("APP_PRODUCTNAME", "Vellumo"), QMessageBox::Yes | QMessageBox::No,
             QMessageBox::Question);
