@@ -192,6 +192,9 @@ clsMessage* clsMMSManager::OpenMsg(const QString& path, int& result) {
         result = OpenNotArchive;
         return nullptr;
     }
+    // The message going out lives until its successor is whole: the window
+    // may paint it while the slides come in.
+    const std::unique_ptr<clsMessage> previous = std::move(m_message);
     m_message = newMessage(m_workFolder + m_messageFileName, GetFilenameFromPath(path, false));
     m_current = m_message->version() == QLatin1String("2.0");
     if (m_current) {
@@ -528,8 +531,10 @@ clsMessage* clsMMSManager::importSmil(const QString& smil, const QString& textsI
 }
 
 // Everything was read and checked before: only now is the work folder emptied.
-// A file that several slides name is copied and measured once.
+// A file that several slides name is copied and measured once. The message
+// going out lives until the new one is whole, as on open.
 clsMessage* clsMMSManager::buildImported(const SmilImporter& importer) {
+    const std::unique_ptr<clsMessage> previous = std::move(m_message);
     clsMessage* message = CreateMsg();
     message->setName(QStringLiteral("import"));
     ImportedFiles copies;

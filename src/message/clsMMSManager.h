@@ -100,6 +100,8 @@ public:
     int saveAsMmsCode() const { return m_saveAsMmsCode; }
     QString saveAsMmsStatus() const { return m_saveAsMmsStatus; }
     static constexpr int kSaveAsMmsFailed = 6;
+    // The files of an exported set's list that go into a template or package.
+    static QStringList packagedNames(const QString& fileList);
     void SetTemplateFileType() { m_templateFileType = true; }
     void ClearTemplateFileType() { m_templateFileType = false; }
     int WavToAmr(const QString& source, const QString& target);
@@ -133,7 +135,6 @@ private:
     void loadSlidePictures(clsMessage& message);
     // reasons: why a name is gone, where that is known better than "missing".
     void dropMissingMedia(clsMessage& message, const QHash<QString, QString>& reasons = {});
-    static QStringList packagedNames(const QString& fileList);
     bool packTemplate(const QString& folder, const QString& baseName, const QString& fileList);
     bool buildPackage(const QString& folder, const QString& baseName, const QString& fileList);
     QString runPackageBuilder(const QString& definition);

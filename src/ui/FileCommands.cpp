@@ -56,6 +56,15 @@ bool FileCommands::openRecent(const QString& path) {
     return !path.isEmpty() && changesHandled() && open(path);
 }
 
+FileCommands::ImportOutcome FileCommands::importMessage(const QString& path, int kind) {
+    if (!changesHandled())
+        return Declined;
+    if (!m_document.importMessage(path, kind))
+        return NotImported;
+    setFileName(QString());
+    return Imported;
+}
+
 bool FileCommands::save() {
     return m_fileName.isEmpty() ? saveAs() : saveTo(m_fileName);
 }

@@ -13,6 +13,8 @@ class QWidget;
 class FileCommands : public QObject {
     Q_OBJECT
 public:
+    enum ImportOutcome { Imported, NotImported, Declined };
+
     FileCommands(MessageDocument& document, RecentFilesList& recent, QWidget* window);
 
     // The message file's path; "" for a message never saved.
@@ -24,6 +26,10 @@ public:
     bool open(const QString& path);
     // A file of the recent list: asked about unsaved changes first.
     bool openRecent(const QString& path);
+    // The message of a SMIL file or template (clsMMSManager::ImportKind)
+    // replaces the open one as an opened message does, after the question
+    // about unsaved changes; it has no file yet, so saving asks for one.
+    ImportOutcome importMessage(const QString& path, int kind);
     bool save();
     bool saveAs();
     // True when the program may end: asked, and saved if the user wanted.

@@ -43,6 +43,18 @@ bool MessageDocument::openMessage(const QString& path) {
     return true;
 }
 
+bool MessageDocument::importMessage(const QString& path, int kind) {
+    if (m_manager.ImportMMS(path, kind)) {
+        startHistory();
+        return true;
+    }
+    // A copy that failed half-way has emptied the work folder: as after a
+    // failed open, a new message takes the old one's place.
+    if (!message())
+        newMessage();
+    return false;
+}
+
 bool MessageDocument::saveMessage(const QString& path) {
     if (!message() || !m_manager.SaveMsg(path))
         return false;

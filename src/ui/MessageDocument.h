@@ -37,6 +37,11 @@ public:
     // On failure the work folder is already emptied, so a new message takes
     // the old one's place; the manager's lastError() says why.
     bool openMessage(const QString& path);
+    // The message of a SMIL file or template (clsMMSManager::ImportKind)
+    // becomes the open one, with a history of its own. A file that cannot be
+    // read leaves the open message as it was; false, with the manager's
+    // GetExportImportStatus() saying why.
+    bool importMessage(const QString& path, int kind);
     // A successful save marks the history clean.
     bool saveMessage(const QString& path);
 

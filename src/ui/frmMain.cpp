@@ -28,7 +28,9 @@
 #include "frmAbout.h"
 #include "frmDownloadImage.h"
 #include "frmDownloadMMS.h"
+#include "frmExport.h"
 #include "frmHelp.h"
+#include "frmImport.h"
 #include "frmMmsInfo.h"
 #include "frmPictureBrowser.h"
 #include "frmPreview.h"
@@ -47,10 +49,17 @@
 
 namespace {
 // Commands whose windows are not built yet: shown, but not offered.
-const int kNotYetOffered[] = {ctlMainMenu::Import, ctlMainMenu::Export};
 
 QString text(const char* key, const char* fallback) {
     return AppGlobals::text(key, fallback);
+}
+
+// The export and import dialogs keep the window still while they are open, and go when
+// closed; the help stays open to them.
+void showFileJob(FileJobDialog* dialog) {
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowModality(Qt::WindowModal);
+    dialog->showAndAsk();
 }
 } // namespace
 
@@ -154,8 +163,6 @@ frmMain::~frmMain() {
 void frmMain::buildWindow() {
     setMenuBar(m_menu);
     m_menu->installShortcuts(this);
-    for (const int number : kNotYetOffered)
-        m_menu->MenuItemEnabled(number, false);
     QDockWidget* strip = dock("dockSlides", m_thumbs, Qt::LeftDockWidgetArea);
     m_thumbs->setMinimumWidth(150);
     QDockWidget* tools = dock("dockTools", m_tools, Qt::RightDockWidgetArea);
@@ -343,6 +350,12 @@ void frmMain::onMenuClick(int number) {
         break;
     case ctlMainMenu::Info:
         frmMmsInfo::showFor(this, m_manager, m_document->message());
+        break;
+    case ctlMainMenu::Export:
+        showFileJob(new frmExport(*m_document, this));
+        break;
+    case ctlMainMenu::Import:
+        showFileJob(new frmImport(*m_files, m_manager, this));
         break;
     case ctlMainMenu::Recent:
         m_files->openRecent(m_menu->GetRecentSelectedFile());

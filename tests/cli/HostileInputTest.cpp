@@ -1,9 +1,8 @@
+#include "FolderPrint.h"
 #include "ProgramRun.h"
 #include "QtPrinters.h"
 
-#include <QCryptographicHash>
 #include <QDir>
-#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -17,7 +16,6 @@
 
 #include <csignal>
 #include <map>
-#include <sys/stat.h>
 
 // The command line tool as someone who sends the user files means harm would
 // use it: planted links, names that climb out of their folder, FIFOs as
@@ -69,27 +67,6 @@ protected:
     static QByteArray readFile(const QString& file) {
         QFile in(file);
         return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray();
-    }
-
-    // Every entry under folder: its kind, mode, size, time and content hash.
-    static std::map<QString, QString> fingerprint(const QString& folder) {
-        std::map<QString, QString> result;
-        QDirIterator it(folder,
-                        QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext()) {
-            const QString entry = it.next();
-            struct stat info {};
-            lstat(QFile::encodeName(entry).constData(), &info);
-            const QByteArray hash =
-                QCryptographicHash::hash(readFile(entry), QCryptographicHash::Sha1).toHex();
-            result[entry] = QStringLiteral("%1 %2 %3 %4")
-                                .arg(info.st_mode, 0, 8)
-                                .arg(info.st_size)
-                                .arg(info.st_mtim.tv_nsec)
-                                .arg(QString::fromLatin1(hash));
-        }
-        return result;
     }
 
     QStringList leftovers() const {
@@ -211,7 +188,7 @@ TEST_F(HostileInputTest, NamesInAMessageNeverReachOutsideFiles) {
     const Result packed = cli({"pack", "a/b/w", "evil.mms"});
     ASSERT_EQ(packed.code, 0) << packed.err.toStdString();
     EXPECT_TRUE(packed.err.contains("left out")) << packed.err.toStdString();
-    for (const auto& [entry, print] : fingerprint(m_home.path()))
+    for (const auto& [entry, print] : folderFingerprint(m_home.path()))
         EXPECT_FALSE(entry.contains("evil_1")) << entry.toStdString();
     for (const QString& member : tarMembers(path("evil.mms")))
         EXPECT_FALSE(member.contains('/')) << member.toStdString();
@@ -238,16 +215,16 @@ TEST_F(HostileInputTest, NamesInAMessageNeverReachOutsideFiles) {
 TEST_F(HostileInputTest, PackOnlyReadsTheFolderItPacks) {
     makeMessageFolder("w", "Backgrounds/sky_gradient.jpg");
     writeFile("w/Slide_notes.txt", "the user's own notes");
-    const auto before = fingerprint(path("w"));
+    const auto before = folderFingerprint(path("w"));
 
     ASSERT_EQ(cli({"pack", "w", "out.mms"}).code, 0);
-    EXPECT_EQ(fingerprint(path("w")), before);
+    EXPECT_EQ(folderFingerprint(path("w")), before);
 
     // A pack cut short by a file size limit: the folder stays whole and the
     // next pack still has its slide.
     const Result limited = shell("( trap '' XFSZ; ulimit -f 20; \"$CLI\" pack w big.mms )");
     EXPECT_NE(limited.code, 0);
-    EXPECT_EQ(fingerprint(path("w")), before);
+    EXPECT_EQ(folderFingerprint(path("w")), before);
     const Result again = cli({"pack", "w", "again.mms"});
     EXPECT_EQ(again.code, 0) << again.err.toStdString();
     EXPECT_TRUE(tarMembers(path("again.mms")).contains("Slide_1.bmp"));
@@ -255,21 +232,21 @@ TEST_F(HostileInputTest, PackOnlyReadsTheFolderItPacks) {
     const Result intoItself = cli({"pack", "w", "w/message.xml"});
     EXPECT_NE(intoItself.code, 0);
     EXPECT_TRUE(intoItself.err.contains("folder being packed")) << intoItself.err.toStdString();
-    EXPECT_EQ(fingerprint(path("w")), before);
+    EXPECT_EQ(folderFingerprint(path("w")), before);
 
     // A message XML cut short is no message, not an empty one.
     QByteArray xml = readFile(path("w/message.xml"));
     writeFile("w/message.xml", xml.left(xml.size() / 2));
-    const auto cut = fingerprint(path("w"));
+    const auto cut = folderFingerprint(path("w"));
     const Result broken = cli({"pack", "w", "broken.mms"});
     EXPECT_NE(broken.code, 0);
     EXPECT_FALSE(QFileInfo::exists(path("broken.mms")));
-    EXPECT_EQ(fingerprint(path("w")), cut);
+    EXPECT_EQ(folderFingerprint(path("w")), cut);
 }
 
 TEST_F(HostileInputTest, AReadOnlyFolderCanBePacked) {
     makeMessageFolder("w", "Backgrounds/sky_gradient.jpg");
-    const auto before = fingerprint(path("w"));
+    const auto before = folderFingerprint(path("w"));
     // Root ignores permission bits, so the folder is made read-only by a mount.
     const Result packed =
         shell("unshare -m bash -c 'mount --bind w w && mount -o remount,bind,ro w && "
@@ -278,7 +255,7 @@ TEST_F(HostileInputTest, AReadOnlyFolderCanBePacked) {
         GTEST_SKIP() << "no private mount here: " << packed.err.toStdString();
     EXPECT_EQ(packed.code, 0) << packed.err.toStdString();
     EXPECT_TRUE(tarMembers(path("ro.mms")).contains("Slide_1.bmp"));
-    EXPECT_EQ(fingerprint(path("w")), before);
+    EXPECT_EQ(folderFingerprint(path("w")), before);
 }
 
 TEST_F(HostileInputTest, TargetsThatAreNoFilesAreRefused) {

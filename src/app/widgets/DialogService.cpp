@@ -4,12 +4,13 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QQueue>
+#include <algorithm>
 
 namespace {
 struct Script {
     QQueue<QMessageBox::StandardButton> answers;
     QList<DialogService::ShownBox> answered;
-    QQueue<QString> files;
+    QQueue<QPair<QString, int>> files;
     QList<DialogService::FileRequest> fileRequests;
     QQueue<QColor> colors;
     QList<DialogService::ColorRequest> colorRequests;
@@ -33,22 +34,30 @@ QMessageBox::StandardButton DialogService::messageBox(QWidget* parent, const QSt
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
-QString DialogService::fileDialog(QWidget* parent, const FileRequest& request) {
+QString DialogService::fileDialog(QWidget* parent, const FileRequest& request, int* chosenFilter) {
+    int unused = 0;
+    int& filter = chosenFilter ? *chosenFilter : unused;
     if (!script().files.isEmpty()) {
         script().fileRequests.append(request);
-        return script().files.dequeue();
+        const auto [path, queuedFilter] = script().files.dequeue();
+        filter = queuedFilter < 0 ? request.filterIndex : queuedFilter;
+        return path;
     }
     QFileDialog dialog(parent, request.title, request.folder, request.filter);
+    const QStringList filters = request.filter.split(QStringLiteral(";;"));
+    dialog.selectNameFilter(filters.value(request.filterIndex));
     const bool save = request.kind == FileRequest::Save;
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(request.kind == FileRequest::Folder ? QFileDialog::Directory
                        : save                              ? QFileDialog::AnyFile
                                                            : QFileDialog::ExistingFile);
     dialog.setDefaultSuffix(request.defaultSuffix);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.confirmOverwrite);
     if (save && !QFileInfo(request.folder).isDir())
         dialog.selectFile(request.folder);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return QString();
+    filter = std::max(0, int(filters.indexOf(dialog.selectedNameFilter())));
     return dialog.selectedFiles().first();
 }
 
@@ -75,8 +84,8 @@ QString DialogService::qtFilter(const QString& filter) {
     return entries.isEmpty() ? filter : entries.join(QStringLiteral(";;"));
 }
 
-void DialogService::queueFileAnswer(const QString& path) {
-    script().files.enqueue(path);
+void DialogService::queueFileAnswer(const QString& path, int filter) {
+    script().files.enqueue({path, filter});
 }
 
 QList<DialogService::FileRequest> DialogService::answeredFileDialogs() {

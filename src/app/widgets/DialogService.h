@@ -30,12 +30,17 @@ public:
         QString folder; // where it starts, with the proposed file name for Save
         QString filter; // Qt's form: "Messages (*.mms)"
         QString defaultSuffix;
+        int filterIndex = 0; // the filter shown first, 0-based
+        // False where the caller asks about an existing file itself, later.
+        bool confirmOverwrite = true;
     };
     // A filter of the settings' form, "Description|*.a;*.b|Other|*.c", in Qt's
     // form, "Description (*.a *.b);;Other (*.c)".
     static QString qtFilter(const QString& filter);
-    // The chosen file's (or folder's) path, or "" when the user cancelled.
-    static QString fileDialog(QWidget* parent, const FileRequest& request);
+    // The chosen file's (or folder's) path, or "" when the user cancelled;
+    // chosenFilter, when given, gets the filter the user left selected.
+    static QString fileDialog(QWidget* parent, const FileRequest& request,
+                              int* chosenFilter = nullptr);
 
     struct ColorRequest {
         QString title;
@@ -46,8 +51,9 @@ public:
 
     // The next box returns this answer at once without being shown.
     static void queueAnswer(QMessageBox::StandardButton answer);
-    // The next file dialog returns this path ("" for a cancel) without being shown.
-    static void queueFileAnswer(const QString& path);
+    // The next file dialog returns this path ("" for a cancel) without being
+    // shown, with filter as the chosen one (-1: the one it was opened with).
+    static void queueFileAnswer(const QString& path, int filter = -1);
     static QList<FileRequest> answeredFileDialogs();
     // The next colour dialog returns this colour without being shown; an
     // invalid colour answers as a cancel.
