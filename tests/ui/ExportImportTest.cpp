@@ -338,6 +338,8 @@ TEST_F(ExportImportTest, TheDialogsSpeakTheUsersLanguage) {
     setting("AutoShowExportImportFileDlg", "0");
     const QString shots = qEnvironmentVariable("VELLUMO_SHOTS");
     for (const QString& language : {QStringLiteral("en-us"), QStringLiteral("de-de")}) {
+        // The window follows the language of the settings, as after a restart.
+        setting("Language", language);
         auto localizer = std::make_unique<clsXMLocalizer>(*AppGlobals::settings());
         ASSERT_TRUE(localizer->SetLanguage(language));
         AppGlobals::installLocalizer(std::move(localizer));
