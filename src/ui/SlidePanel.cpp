@@ -90,12 +90,20 @@ void SlidePanel::TranslateForm() {
     setPreviewPlaying(m_previewPlaying);
     lblTotal->setText(AppGlobals::text("STR_TOTAL_TIME", "Total time") + u':');
     lblSound->setAccessibleDescription(AppGlobals::text("STR_AUDIO_TITLE", "Sound"));
+    showSound();
+}
+
+// A slide without a sound says so, for the eye and for a screen reader.
+void SlidePanel::showSound() {
+    lblSound->setText(m_sound.isEmpty() ? AppGlobals::text("STR_SLIDE_NO_SOUND", "No sound")
+                                        : m_sound);
 }
 
 void SlidePanel::showSlide(const clsMessage* message, int slide) {
     m_showing = true;
     if (!message || slide < 1 || slide > message->Slides().Count()) {
         txtMessage->clear();
+        m_sound.clear();
         lblSound->clear();
         cmdPlaySound->setEnabled(false);
         cmdPreview->setObjectName(QStringLiteral("cmdPreview"));
@@ -109,9 +117,10 @@ void SlidePanel::showSlide(const clsMessage* message, int slide) {
     if (txtMessage->toPlainText() != text)
         txtMessage->setPlainText(text);
     m_time->setDuration(shown.Duration());
-    lblSound->setText(shown.Sound().isEmpty()
-                          ? QString()
-                          : shown.SoundName() + " - " + VbFormat::seconds(shown.SoundDuration()));
+    m_sound = shown.Sound().isEmpty()
+                  ? QString()
+                  : shown.SoundName() + " - " + VbFormat::seconds(shown.SoundDuration());
+    showSound();
     cmdPlaySound->setEnabled(!shown.Sound().isEmpty());
     m_showing = false;
 }

@@ -47,6 +47,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void showSound();
     void buildLayout();
 
     QWidget* m_picture;
@@ -64,5 +65,7 @@ private:
     QPushButton* cmdDeleteSlide;
     bool m_showing = false;
     bool m_soundPlaying = false;
+    // The shown slide's sound as "name - length"; "" for none.
+    QString m_sound;
     bool m_previewPlaying = false;
 };
