@@ -1,6 +1,7 @@
 #include "SettingsCatalogue.h"
 
 #include "AppGlobals.h"
+#include "ContentClass.h"
 #include "PhoneSkin.h"
 #include "TransferOptions.h"
 #include "clsXMLocalizer.h"
@@ -75,6 +76,19 @@ QList<Choice> pictureSizes() {
     return offered;
 }
 
+QList<Choice> contentClasses() {
+    QList<Choice> offered;
+    for (const ContentClass::Limits& limits : ContentClass::table())
+        offered << Choice{QString::fromLatin1(limits.name), QString::fromLatin1(limits.name)};
+    return offered;
+}
+
+QList<Choice> creationModes() {
+    return {{"Restricted", text("STR_MODE_RESTRICTED", "Restricted: refuse what breaks the class")},
+            {"Warning", text("STR_MODE_WARNING", "Warning: warn before the message leaves")},
+            {"Free", text("STR_MODE_FREE", "Free: never ask")}};
+}
+
 QList<Choice> skins() {
     QList<Choice> offered{{"", text("STR_SKIN_NONE", "None")}};
     for (const QString& skin : PhoneSkin::installed())
@@ -122,6 +136,10 @@ SettingsCatalogue::Tab SettingsCatalogue::general() {
          check("ShowSplash", "1", "STR_SETTINGS_SPLASH", "Show the &splash screen at start"),
          check("AskNewSlide", "1", "STR_SETTINGS_ASK_NEW", "Ask before &adding a slide"),
          check("AskDeleteSlide", "1", "STR_SETTINGS_ASK_DELETE", "Ask before &deleting a slide"),
+         choice("ContentClass", "Image Rich", "STR_SETTINGS_CONTENT_CLASS",
+                "Content &class of messages", contentClasses),
+         choice("CreationMode", "Warning", "STR_SETTINGS_CREATION_MODE", "Creation &mode",
+                creationModes),
          check("ExportImport", "0", "STR_SETTINGS_EXPORT_IMPORT",
                "Offer &import and export in the File menu"),
          check("AutoShowExportImportFileDlg", "1", "STR_SETTINGS_AUTO_FILE_DIALOG",

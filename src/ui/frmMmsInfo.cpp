@@ -1,6 +1,7 @@
 #include "frmMmsInfo.h"
 
 #include "AppGlobals.h"
+#include "ContentClassChecker.h"
 #include "DialogService.h"
 #include "MessageSnapshot.h"
 #include "MmsInfoLines.h"
@@ -35,8 +36,8 @@ constexpr int kRowsShown = 24;
 
 frmMmsInfo::frmMmsInfo(clsMMSManager& manager, QWidget* parent)
     : QDialog(parent), m_manager(manager), listBoxInfo(new QListWidget),
-      m_tabs(new TabStopDelegate(this)), lblStatus(new QLabel), cmdCopy(new QPushButton),
-      cmdClose(new QPushButton) {
+      m_tabs(new TabStopDelegate(this)), lblStatus(new QLabel), lblClass(new QLabel),
+      cmdCopy(new QPushButton), cmdClose(new QPushButton) {
     setObjectName("frmMmsInfo");
     listBoxInfo->setObjectName("listBoxInfo");
     listBoxInfo->setItemDelegate(m_tabs);
@@ -44,6 +45,9 @@ frmMmsInfo::frmMmsInfo(clsMMSManager& manager, QWidget* parent)
     listBoxInfo->setSelectionMode(QAbstractItemView::ExtendedSelection);
     lblStatus->setObjectName("lblStatus");
     lblStatus->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    lblClass->setObjectName("lblClass");
+    lblClass->setWordWrap(true);
+    lblClass->setTextInteractionFlags(Qt::TextSelectableByMouse);
     cmdCopy->setObjectName("cmdCopy");
     cmdClose->setObjectName("cmdClose");
     auto* buttons = new QDialogButtonBox;
@@ -62,6 +66,7 @@ frmMmsInfo::frmMmsInfo(clsMMSManager& manager, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(listBoxInfo, 1);
     layout->addWidget(lblStatus);
+    layout->addWidget(lblClass);
     layout->addWidget(buttons);
     cmdClose->setDefault(true);
     TranslateForm();
@@ -125,9 +130,30 @@ bool frmMmsInfo::SetMessage(const clsMessage& message) {
     }
     m_total = info.totalBytes();
     m_measured = true;
+    showClass(form);
     DoTabs();
     setStatus(totalText(m_total));
     return true;
+}
+
+// Whether the message will arrive: the smallest content class it fits, and
+// what it breaks of the class the settings choose.
+void frmMmsInfo::showClass(const SendForm& form) {
+    const ContentClassChecker checker(form);
+    const ContentClassChecker::Report report =
+        checker.report(ContentClassChecker::classFromSettings());
+    QStringList said{AppGlobals::text("STR_MMSINFO_SMALLEST_CLASS", "Smallest content class: %0",
+                                      {report.smallest ? ContentClass::name(*report.smallest)
+                                                       : text("STR_MMSINFO_NO_CLASS", "none")})};
+    const QString chosen = ContentClass::name(report.chosen);
+    if (report.fits())
+        said << AppGlobals::text("STR_MMSINFO_FITS", "It fits %0.", {chosen});
+    else
+        said << AppGlobals::text("STR_MMSINFO_BREAKS", "It does not fit %0:", {chosen});
+    for (const ContentClassChecker::Broken& rule : report.broken)
+        said << (rule.part.isEmpty() ? QString() : rule.part + QStringLiteral(": ")) + rule.text;
+    lblClass->setText(said.join(u'\n'));
+    lblClass->setAccessibleName(lblClass->text());
 }
 
 void frmMmsInfo::DoTabs() {

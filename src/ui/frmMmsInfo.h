@@ -7,6 +7,7 @@ class QLabel;
 class QListWidget;
 class QPushButton;
 class TabStopDelegate;
+class SendForm;
 class clsMMSManager;
 class clsMessage;
 
@@ -46,6 +47,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void showClass(const SendForm& form);
     void mMmsManager_ProsessingSlide(int slide, int count);
     void setStatus(const QString& text);
     void copyLines();
@@ -54,6 +56,7 @@ private:
     QListWidget* listBoxInfo;
     TabStopDelegate* m_tabs;
     QLabel* lblStatus;
+    QLabel* lblClass;
     QPushButton* cmdCopy;
     QPushButton* cmdClose;
     qint64 m_total = 0;

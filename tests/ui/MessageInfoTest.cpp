@@ -282,3 +282,27 @@ TEST_F(MessageInfoTest, InGermanTheHeadingsAndUnitsAreGerman) {
     EXPECT_EQ(info->findChild<QPushButton*>("cmdClose")->text(), "Schließen");
     screenshot(*info, "info-de.png");
 }
+
+// Beside the sizes the window says whether the message will arrive: a
+// slide picture at 160x120 in a small message is Image Basic, and the same
+// message measured against a class without pictures names the picture.
+TEST_F(MessageInfoTest, TheSmallestContentClassAndTheRulesBrokenAreShown) {
+    setting("ContentClass", "Text");
+    ASSERT_TRUE(window().pictureEditor()->AddBackgroundPicture(
+        programFile("archive/Backgrounds/beach.jpg")));
+    ASSERT_TRUE(document().setSlideText("Hello"));
+    frmMmsInfo* info = openInfo();
+    ASSERT_NE(info, nullptr);
+    const QStringList said = info->findChild<QLabel*>("lblClass")->text().split('\n');
+    ASSERT_GE(said.size(), 3) << said.join('\n').toStdString();
+    EXPECT_EQ(said[0], "Smallest content class: Image Basic");
+    EXPECT_EQ(said[1], "It does not fit Text:");
+    EXPECT_TRUE(said[2].startsWith("Slide1.jpg: ")) << said[2].toStdString();
+    info->close();
+
+    setting("ContentClass", "Image Rich");
+    info = openInfo();
+    ASSERT_NE(info, nullptr);
+    EXPECT_TRUE(info->findChild<QLabel*>("lblClass")->text().endsWith("It fits Image Rich."))
+        << info->findChild<QLabel*>("lblClass")->text().toStdString();
+}

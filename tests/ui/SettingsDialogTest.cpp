@@ -200,3 +200,19 @@ TEST_F(SettingsDialogTest, AboutNamesTheVersionAndTheLibrariesWithTheirLicences)
     for (const char* named : {"Qt 6", "pugixml", "libarchive", "FFmpeg", "OpenOBEX", "LGPL"})
         EXPECT_TRUE(libraries.contains(named)) << named;
 }
+
+// The content class and creation mode come from the program's own table
+// and are written by name, as the checker reads them.
+TEST_F(SettingsDialogTest, TheContentClassAndCreationModeAreChosenByName) {
+    frmSettings* dialog = open();
+    auto* classes = control<QComboBox>(dialog, "ContentClass");
+    ASSERT_EQ(classes->count(), 8);
+    EXPECT_EQ(classes->currentData().toString(), "Image Rich");
+    classes->setCurrentIndex(classes->findData("Image Basic"));
+    auto* modes = control<QComboBox>(dialog, "CreationMode");
+    EXPECT_EQ(modes->currentData().toString(), "Warning");
+    modes->setCurrentIndex(modes->findData("Restricted"));
+    press(dialog, QDialogButtonBox::Ok);
+    EXPECT_EQ(stored("ContentClass"), "Image Basic");
+    EXPECT_EQ(stored("CreationMode"), "Restricted");
+}
