@@ -25,6 +25,8 @@ public:
     struct Broken {
         QString part;
         QString text;
+        // The rule as one line, after the part it concerns.
+        QString line() const { return part.isEmpty() ? text : part + QStringLiteral(": ") + text; }
     };
     struct Report {
         qint64 bytes = 0;

@@ -111,26 +111,35 @@ void MessageFitter::fitSound(clsSlide& slide, const ContentClass::Limits& limits
 
 bool MessageFitter::convertToAmr(clsSlide& slide, QString& why) {
     const QString folder = m_manager.GetWorkFolderPath();
+    const QString name = m_manager.GetUniqueFileName("A", "sound.amr");
+    qint64 length = 0;
+    if (!soundToAmr(folder + slide.Sound(), folder + name, length, why))
+        return false;
+    m_manager.DeleteWorkFolderFile(slide.Sound());
+    slide.setSound(name);
+    slide.setSoundDuration(length);
+    return true;
+}
+
+bool MessageFitter::soundToAmr(const QString& source, const QString& target, qint64& lengthMs,
+                               QString& why) {
     PcmSound decoded;
     PcmSound narrow;
     const PrivateTempDir temp;
     const QString wav = temp.path() + "/narrow.wav";
-    if (!FfmpegDecoder::decodeAudio(folder + slide.Sound(), decoded, why) ||
+    if (!FfmpegDecoder::decodeAudio(source, decoded, why) ||
         !PcmResampler::toMono(decoded, AmrConverter::kSampleRate, narrow, why))
         return false;
     if (!temp.isValid() || !WavFile::write(wav, narrow)) {
         why = QStringLiteral("no temporary file can be written");
         return false;
     }
-    const QString name = m_manager.GetUniqueFileName("A", "sound.amr");
-    const int result = AmrConverter::wav2amr(wav, folder + name);
+    const int result = AmrConverter::wav2amr(wav, target);
     if (result != AmrConverter::Ok) {
         why = AmrConverter::errorText(result);
         return false;
     }
-    m_manager.DeleteWorkFolderFile(slide.Sound());
-    slide.setSound(name);
-    slide.setSoundDuration(narrow.lengthMs());
+    lengthMs = narrow.lengthMs();
     return true;
 }
 

@@ -29,6 +29,10 @@ public:
     // caller saves it.
     Result fit(clsMessage& message, ContentClass::Id id);
 
+    // A WAV or MP3 file as an AMR-NB file at target (8 kHz mono), and its length.
+    static bool soundToAmr(const QString& source, const QString& target, qint64& lengthMs,
+                           QString& why);
+
     static constexpr int kLowestQuality = 10;
     static constexpr int kHighestQuality = 100;
 

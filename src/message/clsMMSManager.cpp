@@ -68,6 +68,11 @@ void clsMMSManager::InitializeAt(const QString& workFolder, const QString& userA
     m_renderer = defaultSlideRenderer();
 }
 
+void clsMMSManager::setWorkFolder(const QString& folder) {
+    m_workFolder = AppPaths::withSlash(folder);
+    AppPaths::createPath(m_workFolder);
+}
+
 void clsMMSManager::InitializeFromSettings() {
     Initialize(AppGlobals::setting("paths", "workPath", "Vellumo\\work\\"),
                AppGlobals::setting("paths", "userArchive", "Vellumo\\archive\\"),
@@ -195,16 +200,34 @@ clsMessage* clsMMSManager::OpenMsg(const QString& path, int& result) {
     // The message going out lives until its successor is whole: the window
     // may paint it while the slides come in.
     const std::unique_ptr<clsMessage> previous = std::move(m_message);
-    m_message = newMessage(m_workFolder + m_messageFileName, GetFilenameFromPath(path, false));
+    takeWorkFolderXml(GetFilenameFromPath(path, false));
+    m_message->setChanged(false);
+    result = OpenOk;
+    return m_message.get();
+}
+
+clsMessage* clsMMSManager::ReopenWorkFolder(const QString& name) {
+    m_missingMedia.clear();
+    m_lastError.clear();
+    const std::unique_ptr<clsMessage> previous = std::move(m_message);
+    takeWorkFolderXml(name);
+    if (!m_message->wasLoaded()) {
+        m_lastError = m_messageFileName + " in " + m_workFolder + " is not a readable message XML";
+        m_message.reset();
+        return nullptr;
+    }
+    m_message->setChanged(true);
+    return m_message.get();
+}
+
+void clsMMSManager::takeWorkFolderXml(const QString& name) {
+    m_message = newMessage(m_workFolder + m_messageFileName, name);
     m_current = m_message->version() == QLatin1String("2.0");
     if (m_current) {
         applyDefaults(*m_message);
         dropMissingMedia(*m_message);
         loadSlidePictures(*m_message);
     }
-    m_message->setChanged(false);
-    result = OpenOk;
-    return m_message.get();
 }
 
 bool clsMMSManager::SaveMsg(const QString& path) {

@@ -36,6 +36,8 @@ public:
     void InitializeAt(const QString& workFolder, const QString& userArchive,
                       const QString& messageFileName);
 
+    // Another work folder than the settings name: one a running copy holds alone.
+    void setWorkFolder(const QString& folder);
     QString GetWorkFolderPath() const { return m_workFolder; }
     QString GetUserArchivePath() const { return m_userArchive; }
     QString messageFileName() const { return m_messageFileName; }
@@ -72,6 +74,10 @@ public:
     // slide pictures are rendered anew on save. nullptr, with lastError(), when
     // folder holds no readable message XML.
     clsMessage* AdoptFolderMessage(const QString& folder);
+    // The message the work folder already holds, left there by a copy of the
+    // program that did not end, becomes the current one under name, changed.
+    // nullptr, with lastError(), when the folder holds no readable message.
+    clsMessage* ReopenWorkFolder(const QString& name);
 
     enum ExportKind { ExportSmil = 1, ExportTemplate = 2, ExportPackage = 4 };
     enum ExportResult { ExportOk = 0, ExportFailed = 1, ExportExists = 2 };
@@ -129,6 +135,8 @@ signals:
 
 private:
     void emptyWorkFolder();
+    // The message XML of the work folder as the current message.
+    void takeWorkFolderXml(const QString& name);
     bool runTar(const QString& commandLine);
     std::unique_ptr<clsMessage> newMessage(const QString& xmlPath, const QString& name);
     void applyDefaults(clsMessage& message) const;

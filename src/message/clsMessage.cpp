@@ -202,9 +202,13 @@ QString clsMessage::copyMedia(const QString& prefix, const QString& fileName) {
     return PlainFileName::copy(m_path, fileName, m_path + copy) ? copy : QString();
 }
 
-bool clsMessage::SaveMessage(const QString& path) {
+bool clsMessage::SaveXml(const QString& path) {
     m_lastError.clear();
-    if (!A::save(m_document, AppPaths::toDisk(path), &m_lastError))
+    return A::save(m_document, AppPaths::toDisk(path), &m_lastError);
+}
+
+bool clsMessage::SaveMessage(const QString& path) {
+    if (!SaveXml(path))
         return false;
     removeSlideFiles();
     bool written = true;

@@ -75,6 +75,8 @@ public:
     void setSlideRenderer(SlideRenderer renderer) { m_renderer = std::move(renderer); }
     // Writes the XML to path, then the slide files into the work folder.
     bool SaveMessage(const QString& path);
+    // The XML alone, as often as the user edits: no slide picture is encoded.
+    bool SaveXml(const QString& path);
     QString lastError() const { return m_lastError; }
 
 private:

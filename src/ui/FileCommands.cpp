@@ -1,14 +1,17 @@
 #include "FileCommands.h"
 
 #include "AppGlobals.h"
+#include "ClassGuard.h"
 #include "DialogService.h"
 #include "MessageDocument.h"
 #include "RecentFilesList.h"
+#include "clsMMSManager.h"
 
 #include <QFileInfo>
 
-FileCommands::FileCommands(MessageDocument& document, RecentFilesList& recent, QWidget* window)
-    : QObject(window), m_document(document), m_recent(recent), m_window(window) {}
+FileCommands::FileCommands(MessageDocument& document, RecentFilesList& recent, QWidget* window,
+                           ClassGuard* guard)
+    : QObject(window), m_document(document), m_recent(recent), m_window(window), m_guard(guard) {}
 
 QString FileCommands::text(const char* key, const char* fallback) const {
     return AppGlobals::text(key, fallback);
@@ -65,6 +68,18 @@ FileCommands::ImportOutcome FileCommands::importMessage(const QString& path, int
     return Imported;
 }
 
+bool FileCommands::recover(const QString& path) {
+    if (!m_document.recoverMessage(clsMMSManager::GetFilenameFromPath(path, false))) {
+        DialogService::messageBox(
+            m_window, text("STR_RECOVER_FAILED", "The unsaved message cannot be recovered."),
+            text("APP_PRODUCTNAME", "Vellumo"), QMessageBox::Ok, QMessageBox::Warning);
+        setFileName(QString());
+        return false;
+    }
+    setFileName(path);
+    return true;
+}
+
 bool FileCommands::save() {
     return m_fileName.isEmpty() ? saveAs() : saveTo(m_fileName);
 }
@@ -83,6 +98,8 @@ bool FileCommands::saveAs() {
 }
 
 bool FileCommands::saveTo(const QString& path) {
+    if (m_guard && !m_guard->mayLeave(ClassGuard::Leaving::Save))
+        return false;
     if (!m_document.saveMessage(path)) {
         DialogService::messageBox(
             m_window, text("STR_SAVE_MSG_ERROR", "The message cannot be saved."),

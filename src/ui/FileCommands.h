@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 
+class ClassGuard;
 class MessageDocument;
 class RecentFilesList;
 class QWidget;
@@ -15,7 +16,9 @@ class FileCommands : public QObject {
 public:
     enum ImportOutcome { Imported, NotImported, Declined };
 
-    FileCommands(MessageDocument& document, RecentFilesList& recent, QWidget* window);
+    // A guard, when given, holds what is saved to the chosen content class.
+    FileCommands(MessageDocument& document, RecentFilesList& recent, QWidget* window,
+                 ClassGuard* guard = nullptr);
 
     // The message file's path; "" for a message never saved.
     QString fileName() const { return m_fileName; }
@@ -30,6 +33,10 @@ public:
     // replaces the open one as an opened message does, after the question
     // about unsaved changes; it has no file yet, so saving asks for one.
     ImportOutcome importMessage(const QString& path, int kind);
+    // The unsaved work a copy of the program that did not end left behind
+    // becomes the open message, modified, under its file's name (path; "" for
+    // a message never saved). On failure, said in a box, a new message.
+    bool recover(const QString& path);
     bool save();
     bool saveAs();
     // True when the program may end: asked, and saved if the user wanted.
@@ -50,5 +57,6 @@ private:
     MessageDocument& m_document;
     RecentFilesList& m_recent;
     QWidget* m_window;
+    ClassGuard* m_guard;
     QString m_fileName;
 };

@@ -43,6 +43,17 @@ bool MessageDocument::openMessage(const QString& path) {
     return true;
 }
 
+bool MessageDocument::recoverMessage(const QString& name) {
+    if (!m_manager.ReopenWorkFolder(name)) {
+        newMessage();
+        return false;
+    }
+    startHistory();
+    // Nothing of it is saved: closing asks, as for any edited message.
+    m_history.resetClean();
+    return true;
+}
+
 bool MessageDocument::importMessage(const QString& path, int kind) {
     if (m_manager.ImportMMS(path, kind)) {
         startHistory();

@@ -37,6 +37,10 @@ public:
     // On failure the work folder is already emptied, so a new message takes
     // the old one's place; the manager's lastError() says why.
     bool openMessage(const QString& path);
+    // The message a copy of the program that did not end left in the work
+    // folder becomes the open one, named name and modified; on failure a new
+    // message takes its place.
+    bool recoverMessage(const QString& name);
     // The message of a SMIL file or template (clsMMSManager::ImportKind)
     // becomes the open one, with a history of its own. A file that cannot be
     // read leaves the open message as it was; false, with the manager's
@@ -72,6 +76,11 @@ public:
     bool editSlide(const char* key, const QString& fallback,
                    const std::function<void(clsSlide& slide)>& change,
                    std::optional<Field> typedInto = std::nullopt);
+    // An edit of the whole message, as one step named by key.
+    bool editMessage(const char* key, const QString& fallback,
+                     const std::function<void()>& change) {
+        return edit(key, fallback, change);
+    }
     // A change made a little at a time, as a drag is: begin remembers the
     // message as it is, the caller changes the current slide freely (and
     // shows it itself), and finish records the whole as one step and tells

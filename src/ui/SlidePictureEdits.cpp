@@ -255,8 +255,13 @@ qint64 SlidePictureEdits::backgroundColor() const {
 bool SlidePictureEdits::setBackgroundPicture(const QString& source, QString* why) {
     if (!objects())
         return false;
-    if (isAnimated(source))
-        return setBackgroundAnimation(source, why);
+    return isAnimated(source) ? setBackgroundAnimation(source, why)
+                              : setBackgroundStill(source, why);
+}
+
+bool SlidePictureEdits::setBackgroundStill(const QString& source, QString* why) {
+    if (!objects())
+        return false;
     const std::optional<QImage> picture = decoded(source, why);
     const QString bitmap = picture ? writeBackgroundBitmap(*picture, why) : QString();
     return !bitmap.isEmpty() &&

@@ -58,6 +58,8 @@ public:
     // The picture, drawn at the slide's size, becomes the background bitmap;
     // an animation or a video is taken whole and plays for its length.
     bool setBackgroundPicture(const QString& source, QString* why);
+    // The first picture of source, animated or not, drawn as the background bitmap.
+    bool setBackgroundStill(const QString& source, QString* why);
     // A GIF of more than one frame, or a video.
     static bool isAnimated(const QString& path);
 

@@ -3,8 +3,10 @@
 #include "AmrConverter.h"
 #include "AppGlobals.h"
 #include "AppPaths.h"
+#include "ClassGuard.h"
 #include "DialogService.h"
 #include "MessageDocument.h"
+#include "MessageFitter.h"
 #include "clsMMSManager.h"
 #include "clsSlide.h"
 #include "modPlaySound.h"
@@ -21,8 +23,8 @@ QString text(const char* key, const char* fallback) {
 }
 } // namespace
 
-SoundAttacher::SoundAttacher(MessageDocument& document, QWidget* parent)
-    : m_document(document), m_parent(parent) {}
+SoundAttacher::SoundAttacher(MessageDocument& document, QWidget* parent, ClassGuard* guard)
+    : m_document(document), m_parent(parent), m_guard(guard) {}
 
 bool SoundAttacher::attach(const QString& folder, const QString& fileName) {
     if (folder.isEmpty() || fileName.isEmpty() || m_document.currentSlide() < 1)
@@ -42,8 +44,38 @@ bool SoundAttacher::attach(const QString& folder, const QString& fileName) {
     }
     if (name.isEmpty())
         name = copyIn(source, workExtension(fileName, info));
-    return !name.isEmpty() &&
+    return !name.isEmpty() && admitted(name, fileName, info) &&
            store(name, clsMMSManager::GetFilenameFromPath(fileName, false), lengthOf(name, info));
+}
+
+// A sound the chosen content class refuses leaves nothing in the work folder,
+// unless the user had it made to fit.
+bool SoundAttacher::admitted(QString& name, const QString& fileName, SoundInfo& info) {
+    if (!m_guard)
+        return true;
+    const QString path = workPath(name);
+    const QString offer = ClassGuard::soundCanFit(path)
+                              ? text("STR_CLASS_FIT_SOUND", "Convert it to AMR-NB so that it fits?")
+                              : QString();
+    const ClassGuard::Admission answer = m_guard->admit(path, fileName, offer);
+    if (answer == ClassGuard::Admission::Admit ||
+        (answer == ClassGuard::Admission::Fit && fitted(name, info)))
+        return true;
+    manager().DeleteWorkFolderFile(name);
+    return false;
+}
+
+bool SoundAttacher::fitted(QString& name, SoundInfo& info) {
+    const QString amr = manager().GetUniqueFileName(QStringLiteral("A"), QStringLiteral(".amr"));
+    QString why;
+    if (!MessageFitter::soundToAmr(workPath(name), workPath(amr), info.length, why)) {
+        DialogService::messageBox(m_parent, why, text("APP_PRODUCTNAME", "Vellumo"),
+                                  QMessageBox::Ok, QMessageBox::Warning);
+        return false;
+    }
+    manager().DeleteWorkFolderFile(name);
+    name = amr;
+    return true;
 }
 
 SoundAttacher::SoundInfo SoundAttacher::readInfo(const QString& path) {

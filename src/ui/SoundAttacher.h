@@ -2,6 +2,7 @@
 
 #include <QString>
 
+class ClassGuard;
 class MessageDocument;
 class clsMMSManager;
 class QWidget;
@@ -12,10 +13,11 @@ class QWidget;
 // preferences ask for it, "ConvertWavToAmr"), the slide takes its name and,
 // when its length is known, lasts as long as the sound. A file whose kind or
 // length cannot be told is attached only when the user says so. The whole is
-// one step of the document's history.
+// one step of the document's history. A guard, when given, holds the sound to
+// the chosen content class.
 class SoundAttacher {
 public:
-    SoundAttacher(MessageDocument& document, QWidget* parent);
+    SoundAttacher(MessageDocument& document, QWidget* parent, ClassGuard* guard = nullptr);
 
     // False when nothing changed: no folder or name, a missing file (said in
     // a box), a refused sound or a copy that failed.
@@ -41,6 +43,8 @@ private:
     QString copyIn(const QString& source, const QString& extension);
     QString workPath(const QString& name) const;
     qint64 lengthOf(const QString& name, const SoundInfo& info);
+    bool admitted(QString& name, const QString& fileName, SoundInfo& info);
+    bool fitted(QString& name, SoundInfo& info);
     bool askToAttach(const QString& source) const;
     void reportMissing() const;
     bool store(const QString& name, const QString& soundName, qint64 length);
@@ -48,4 +52,5 @@ private:
 
     MessageDocument& m_document;
     QWidget* m_parent;
+    ClassGuard* m_guard;
 };

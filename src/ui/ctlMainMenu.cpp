@@ -154,6 +154,7 @@ QString ctlMainMenu::fileDescriptor() const {
         text += item("MNU_FILE_EXPORT", "Export", Export) + u',' +
                 item("MNU_FILE_IMPORT", "Import", Import) + ",-,";
     return text + item("MNU_FILE_INFO", "Info", Info) + u',' +
+           item("MNU_FILE_FIT", "Fit to content class", FitToClass) + u',' +
            item("MNU_FILE_SEND", "Send to phone", SendMessage) + ",-," +
            item("MNU_FILE_SETTINGS", "Settings", Settings) + ",-," +
            m_recent.descriptor(AppGlobals::text("MNU_FILE_RECENT", "Recent")) + ",-," +

@@ -50,6 +50,7 @@ public:
         MoveSlideUp = 31,
         MoveSlideDown = 32,
         SendMessage = 33,
+        FitToClass = 34,
     };
 
     explicit ctlMainMenu(QWidget* parent = nullptr);

@@ -18,6 +18,7 @@
 #include <QContextMenuEvent>
 #include <QDir>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QMimeData>
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -549,16 +550,34 @@ bool ctlPictureEditor::AddBackgroundPicture(const QString& path) {
         inform(m_menu.caption("STR_NO_FILE_FOUND"));
         return false;
     }
-    if (SlidePictureEdits::isAnimated(path) &&
-        DialogService::messageBox(
-            this, m_menu.caption("STR_ADD_ANIMATION"), m_menu.caption("APP_PRODUCTNAME"),
-            QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Warning) != QMessageBox::Ok)
-        return false;
+    bool still = false;
+    if (SlidePictureEdits::isAnimated(path)) {
+        if (DialogService::messageBox(
+                this, m_menu.caption("STR_ADD_ANIMATION"), m_menu.caption("APP_PRODUCTNAME"),
+                QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Warning) != QMessageBox::Ok)
+            return false;
+        const ClassGuard::Admission answer = admitAnimation(path);
+        if (answer == ClassGuard::Admission::Refuse)
+            return false;
+        still = answer == ClassGuard::Admission::Fit;
+    }
     QString why;
-    if (m_edits.setBackgroundPicture(path, &why))
+    if (still ? m_edits.setBackgroundStill(path, &why) : m_edits.setBackgroundPicture(path, &why))
         return true;
     inform(why);
     return false;
+}
+
+// A still picture fits where the animation does not: the animation's first
+// picture, drawn at the slide's size, is what the chosen class is offered.
+ClassGuard::Admission ctlPictureEditor::admitAnimation(const QString& path) {
+    if (!m_guard)
+        return ClassGuard::Admission::Admit;
+    const QString offer = QImageReader(path).canRead()
+                              ? AppGlobals::text("STR_CLASS_FIT_ANIMATION",
+                                                 "Use its first picture as a still background?")
+                              : QString();
+    return m_guard->admit(path, QFileInfo(path).fileName(), offer);
 }
 
 bool ctlPictureEditor::AddImage(const QString& path, std::optional<QPoint> at) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ClassGuard.h"
 #include "PictureCache.h"
 #include "PictureEditorMenu.h"
 #include "SelectionFrame.h"
@@ -67,6 +68,8 @@ public:
     void SetDefaultBackgroundColor();
     void ChooseBackgroundColor();
     bool AddBackgroundPicture(const QString& path);
+    // Animations offered as backgrounds are held to the chosen content class.
+    void setClassGuard(ClassGuard* guard) { m_guard = guard; }
     void BrowseAddBackground();
     bool AddImage(const QString& path, std::optional<QPoint> at = std::nullopt);
     void BrowseAddPicture();
@@ -110,6 +113,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    ClassGuard::Admission admitAnimation(const QString& path);
     enum class Drag { None, Move, Resize };
 
     double zoom() const;
@@ -135,6 +139,7 @@ private:
     MessageDocument& m_document;
     std::pair<const clsMessage*, int> m_shownSlide{nullptr, 0};
     SlidePictureEdits m_edits;
+    ClassGuard* m_guard = nullptr;
     PictureEditorMenu m_menu;
     clsClipboardManager m_clipboard;
     mutable PictureCache m_cache;

@@ -1,6 +1,8 @@
 #include "frmMain.h"
 
 #include "AppGlobals.h"
+#include "ClassGuard.h"
+#include "ClassSizeLabel.h"
 #include "DialogService.h"
 #include "EventPump.h"
 #include "FileCommands.h"
@@ -8,6 +10,7 @@
 #include "MessageDocument.h"
 #include "PhoneConnection.h"
 #include "PreviewController.h"
+#include "RecoveryJournal.h"
 #include "SlideCommands.h"
 #include "SlidePanel.h"
 #include "SlideRenderer.h"
@@ -16,6 +19,7 @@
 #include "TextPropertiesPanel.h"
 #include "ToolTabs.h"
 #include "VbFormat.h"
+#include "WorkFolderClaim.h"
 #include "clsDrawObjects.h"
 #include "clsMessage.h"
 #include "clsPropertiesXML.h"
@@ -67,17 +71,24 @@ frmMain::frmMain(QWidget* parent)
     : QMainWindow(parent), m_document(nullptr), m_menu(new ctlMainMenu(this)),
       m_thumbs(new ctlSlideThumbs), m_editor(nullptr), m_panel(nullptr),
       m_textPanel(new TextPropertiesPanel), m_tools(new ToolTabs(m_textPanel)),
-      m_soundPlayer(new SlideSoundPlayer(this)), m_slides(nullptr), m_files(nullptr),
-      m_status(new QLabel), m_progress(new QProgressBar), m_phone(new PhoneConnection(this)) {
+      m_soundPlayer(new SlideSoundPlayer(this)), m_slides(nullptr), m_guard(nullptr),
+      m_files(nullptr), m_status(new QLabel), m_progress(new QProgressBar),
+      m_phone(new PhoneConnection(this)) {
     setObjectName("frmMain");
     m_manager.InitializeFromSettings();
+    claimWorkFolder();
     m_document = new MessageDocument(m_manager, this);
     m_editor = new ctlPictureEditor(*m_document);
     m_editor->SetSurfaceSize(SlideRenderer::surfaceFromSettings());
     m_panel = new SlidePanel(m_editor);
-    m_sounds = std::make_unique<SoundAttacher>(*m_document, this);
+    m_guard = new ClassGuard(*m_document, this);
+    m_editor->setClassGuard(m_guard);
+    m_sounds = std::make_unique<SoundAttacher>(*m_document, this, m_guard);
     m_slides = new SlideCommands(*m_document, this);
-    m_files = new FileCommands(*m_document, m_menu->recentFiles(), this);
+    m_files = new FileCommands(*m_document, m_menu->recentFiles(), this, m_guard);
+    m_size = new ClassSizeLabel(*m_document);
+    if (m_claim)
+        m_journal = new RecoveryJournal(*m_document, *m_files, *m_claim, this);
     buildWindow();
     m_previewer = new PreviewController(
         {this, m_document, &m_manager, m_editor, m_panel, m_menu, m_thumbs, m_tools}, this);
@@ -93,7 +104,16 @@ frmMain::frmMain(QWidget* parent)
         m_menu->recentFiles().load(*settings);
     restorePosition();
     applySettings();
-    m_document->newMessage();
+    if (!m_journal || !m_journal->offerRecovery(this))
+        m_document->newMessage();
+}
+
+// Each running copy works in a folder of its own; without one (every folder
+// held, or none writable) it shares the settings' folder, unguarded, as before.
+void frmMain::claimWorkFolder() {
+    m_claim = WorkFolderClaim::claim(m_manager.GetWorkFolderPath());
+    if (m_claim)
+        m_manager.setWorkFolder(m_claim->folder());
 }
 
 void frmMain::applySettings() {
@@ -106,6 +126,7 @@ void frmMain::applySettings() {
     // The skin's phone may bring its own slide picture size.
     m_previewer->applySettings();
     m_editor->SetSurfaceSize(SlideRenderer::surfaceFromSettings());
+    m_size->settingsApplied();
     TranslateForm();
 }
 
@@ -152,6 +173,8 @@ void frmMain::showSettings() {
 // The document goes before the manager it works on, and without telling the
 // half-destroyed window about its history going.
 frmMain::~frmMain() {
+    if (m_journal)
+        m_journal->close();
     delete frmHelp::current();
     m_editor->blockSignals(true);
     m_editor->ClearPicture();
@@ -175,6 +198,7 @@ void frmMain::buildWindow() {
     m_progress->hide();
     statusBar()->addWidget(m_status, 1);
     statusBar()->addPermanentWidget(m_progress);
+    statusBar()->addPermanentWidget(m_size);
     statusBar()->addPermanentWidget(m_phone->indicator());
 }
 
@@ -248,6 +272,7 @@ void frmMain::connectPreview() {
     connect(m_previewer, &PreviewController::slideSizeChanged, this, &frmMain::applySlideSize);
     connect(m_previewer, &PreviewController::downloadPictureRequested, this,
             &frmMain::sendSlidePicture);
+    m_size->setBusy([this] { return m_previewer->isPlaying(); });
 }
 
 // The editor, the strip and the preview take a new slide picture size.
@@ -352,7 +377,8 @@ void frmMain::onMenuClick(int number) {
         frmMmsInfo::showFor(this, m_manager, m_document->message());
         break;
     case ctlMainMenu::Export:
-        showFileJob(new frmExport(*m_document, this));
+        if (m_guard->mayLeave(ClassGuard::Leaving::Export))
+            showFileJob(new frmExport(*m_document, this));
         break;
     case ctlMainMenu::Import:
         showFileJob(new frmImport(*m_files, m_manager, this));
@@ -373,7 +399,11 @@ void frmMain::onMenuClick(int number) {
         showSettings();
         break;
     case ctlMainMenu::SendMessage:
-        sendMessage();
+        if (m_guard->mayLeave(ClassGuard::Leaving::Send))
+            sendMessage();
+        break;
+    case ctlMainMenu::FitToClass:
+        m_guard->fitMessage();
         break;
     case ctlMainMenu::DownloadPicture:
         sendSlidePicture();

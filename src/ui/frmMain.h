@@ -9,6 +9,8 @@
 #include <QTimer>
 #include <memory>
 
+class ClassGuard;
+class ClassSizeLabel;
 class FileCommands;
 class MessageDocument;
 class PreviewController;
@@ -26,6 +28,8 @@ class ctlSlideThumbs;
 class frmPictureBrowser;
 class frmSettings;
 class PhoneConnection;
+class RecoveryJournal;
+class WorkFolderClaim;
 
 // The composer's main window. It composes the menu bar, the slide strip, the
 // slide panel and the status bar around one MessageDocument, and hands every
@@ -60,6 +64,8 @@ public:
     frmPictureBrowser* pictureBrowser();
     void showPictureBrowser();
     FileCommands* fileCommands() const { return m_files; }
+    ClassGuard* classGuard() const { return m_guard; }
+    ClassSizeLabel* sizeLabel() const { return m_size; }
     PreviewController* previewer() const { return m_previewer; }
     PhoneConnection* phone() const { return m_phone; }
     // The settings dialog while it is open.
@@ -74,6 +80,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    void claimWorkFolder();
     void buildWindow();
     QDockWidget* dock(const char* name, QWidget* content, Qt::DockWidgetArea area);
     void connectEditor();
@@ -103,6 +110,7 @@ private:
     void sendSlidePicture();
     void applyLanguage();
 
+    std::unique_ptr<WorkFolderClaim> m_claim;
     clsMMSManager m_manager;
     MessageDocument* m_document;
     ctlMainMenu* m_menu;
@@ -116,10 +124,13 @@ private:
     std::unique_ptr<SoundAttacher> m_sounds;
     SlideSoundPlayer* m_soundPlayer;
     SlideCommands* m_slides;
+    ClassGuard* m_guard;
     FileCommands* m_files;
     PreviewController* m_previewer = nullptr;
     QLabel* m_status;
     QProgressBar* m_progress;
+    ClassSizeLabel* m_size = nullptr;
+    RecoveryJournal* m_journal = nullptr;
     PhoneConnection* m_phone;
     QTimer TimerExitWait;
     bool m_exitDecided = false;

@@ -151,7 +151,7 @@ void frmMmsInfo::showClass(const SendForm& form) {
     else
         said << AppGlobals::text("STR_MMSINFO_BREAKS", "It does not fit %0:", {chosen});
     for (const ContentClassChecker::Broken& rule : report.broken)
-        said << (rule.part.isEmpty() ? QString() : rule.part + QStringLiteral(": ")) + rule.text;
+        said << rule.line();
     lblClass->setText(said.join(u'\n'));
     lblClass->setAccessibleName(lblClass->text());
 }

@@ -6,6 +6,9 @@
 #include "SettingsBootstrap.h"
 #include "clsPropertiesXML.h"
 
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
 #include <QTest>
 
 void MainWindowFixture::SetUp() {
@@ -31,6 +34,26 @@ frmMain& MainWindowFixture::window() {
         EXPECT_TRUE(QTest::qWaitForWindowExposed(m_window.get()));
     }
     return *m_window;
+}
+
+bool MainWindowFixture::chooseMenuItem(int menu, const char* key, const char* fallback) {
+    QMenuBar* bar = window().menuBar();
+    bar->setActiveAction(bar->actions().at(menu));
+    auto* popup = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    if (!popup)
+        return false;
+    const QString caption = AppGlobals::text(key, fallback).remove(u'&');
+    for (QAction* action : popup->actions()) {
+        if (action->text().remove(u'&').section(u'\t', 0, 0) != caption)
+            continue;
+        if (!action->isEnabled())
+            break;
+        popup->setActiveAction(action);
+        QTest::keyClick(popup, Qt::Key_Return);
+        return true;
+    }
+    popup->close();
+    return false;
 }
 
 QString MainWindowFixture::cliInfo(const QString& file) {

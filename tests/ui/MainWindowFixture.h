@@ -14,6 +14,10 @@ protected:
 
     static void setting(const char* key, const QString& value);
     frmMain& window();
+    // Opens the menu from the menu bar and chooses the item whose caption the
+    // key gives, by the keyboard; false when the menu or the item is missing
+    // or the item is disabled.
+    bool chooseMenuItem(int menu, const char* key, const char* fallback);
     // What the command line tool says of a message file.
     static QString cliInfo(const QString& file);
 

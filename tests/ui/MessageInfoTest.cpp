@@ -17,8 +17,6 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
-#include <QMenu>
-#include <QMenuBar>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -41,24 +39,11 @@ protected:
 
     // Opens the File menu from the menu bar and chooses the message information in it.
     frmMmsInfo* openInfo() {
-        QMenuBar* bar = window().mainMenu();
-        bar->setActiveAction(bar->actions().at(ctlMainMenu::FileMenu));
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        EXPECT_NE(menu, nullptr) << "the File menu did not open";
-        const QString caption = AppGlobals::text("MNU_FILE_INFO", "Info");
-        for (QAction* action : menu ? menu->actions() : QList<QAction*>()) {
-            if (action->text().remove(u'&').section(u'\t', 0, 0) != QString(caption).remove(u'&'))
-                continue;
-            EXPECT_TRUE(action->isEnabled());
-            menu->setActiveAction(action);
-            QTest::keyClick(menu, Qt::Key_Return);
-            // One closed before may not be gone yet.
-            for (frmMmsInfo* info : window().findChildren<frmMmsInfo*>())
-                if (info->isVisible())
-                    return info;
-            return nullptr;
-        }
-        ADD_FAILURE() << "no item " << caption.toStdString();
+        EXPECT_TRUE(chooseMenuItem(ctlMainMenu::FileMenu, "MNU_FILE_INFO", "Info"));
+        // One closed before may not be gone yet.
+        for (frmMmsInfo* info : window().findChildren<frmMmsInfo*>())
+            if (info->isVisible())
+                return info;
         return nullptr;
     }
 
