@@ -38,13 +38,14 @@ protected:
 
 TEST_F(MainMenuTest, TheFileMenuOffersExportAndImportOnlyWhenAllowed) {
     EXPECT_EQ(m_menu->descriptor(ctlMainMenu::FileMenu),
-              "New;1,Open;2,-,Save;3,Save as;4,-,Info;7,Send to "
+              "New;1,Open;2,-,Save;3,Save as;4,-,Info;7,Fit to content class;34,Send to "
               "phone;33,-,Settings;8,-,!Recent;0,-,Exit;10");
     m_menu->EnableExportImport(true);
     m_menu->MenuItemEnabled(ctlMainMenu::Save, false);
     m_menu->recentFiles().AddToRecentFilesList("/m/card.mms");
     EXPECT_EQ(m_menu->descriptor(ctlMainMenu::FileMenu),
-              "New;1,Open;2,-,!Save;3,Save as;4,-,Export;6,Import;5,-,Info;7,Send to "
+              "New;1,Open;2,-,!Save;3,Save as;4,-,Export;6,Import;5,-,Info;7,Fit to content "
+              "class;34,Send to "
               "phone;33,-,Settings;8,-,"
               "Recent;0|/m/card.mms;265,-,Exit;10");
     EXPECT_TRUE(m_menu->descriptor(ctlMainMenu::SlideMenu)
