@@ -29,7 +29,8 @@ bool MmsImporter::read(const QString& path, const QString& folder) {
     if (file.size() > kMaxMessageBytes)
         return refuse(AppGlobals::text("STR_IMPORT_MMS_TOO_LARGE", "it is larger than %0 MB.",
                                        {QString::number(kMaxMessageBytes / kMegabyte)}));
-    const QByteArray bytes = file.read(kMaxMessageBytes);
+    // Read to its size: asked for the largest size, the device would make room for it first.
+    const QByteArray bytes = file.read(file.size());
     if (!MmsPartReader::looksLikeMessage(bytes))
         return refuse(
             AppGlobals::text("STR_IMPORT_MMS_NOT_MMS", "it is no MMS as one is sent or received."));

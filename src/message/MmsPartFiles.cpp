@@ -17,13 +17,6 @@ QString lastSegment(const QString& name) {
     return name.mid(std::max(name.lastIndexOf(u'/'), name.lastIndexOf(u'\\')) + 1);
 }
 
-QString withoutBrackets(QString id) {
-    id = id.trimmed();
-    if (id.startsWith(u'<') && id.endsWith(u'>'))
-        id = id.mid(1, id.size() - 2);
-    return id;
-}
-
 QString percentDecoded(const QString& value) {
     return QUrl::fromPercentEncoding(value.toUtf8());
 }
@@ -121,7 +114,7 @@ int MmsPartFiles::find(const QString& source) const {
     const QString value = source.trimmed();
     if (!value.startsWith(kCid, Qt::CaseInsensitive))
         return findName(value);
-    const QString id = withoutBrackets(percentDecoded(value.mid(kCid.size())));
+    const QString id = MmsPartReader::bareContentId(percentDecoded(value.mid(kCid.size())));
     for (const Qt::CaseSensitivity sensitivity : {Qt::CaseSensitive, Qt::CaseInsensitive})
         if (const int found = match(Field::ContentId, id, sensitivity); found >= 0)
             return found;
@@ -139,7 +132,7 @@ int MmsPartFiles::findName(const QString& value) const {
 
 int MmsPartFiles::match(Field field, const QString& value, Qt::CaseSensitivity sensitivity) const {
     const QString wanted = field == Field::LastSegment ? lastSegment(value)
-                           : field == Field::ContentId ? withoutBrackets(value)
+                           : field == Field::ContentId ? MmsPartReader::bareContentId(value)
                                                        : value;
     if (wanted.isEmpty())
         return -1;

@@ -19,14 +19,14 @@ constexpr quint8 kLastShortCutShift = 0x1F;
 // A message nests a multipart in a part now and then; deeper than this it is
 // no message but an attempt to exhaust the reader.
 constexpr int kMaxDepth = 8;
+} // namespace
 
-QString withoutBrackets(QString id) {
+QString MmsPartReader::bareContentId(QString id) {
     id = id.trimmed();
     if (id.startsWith(u'<') && id.endsWith(u'>'))
         id = id.mid(1, id.size() - 2);
     return id;
 }
-} // namespace
 
 bool MmsPartReader::looksLikeMessage(const QByteArray& bytes) {
     return bytes.size() >= 2 && quint8(bytes[0]) == kMessageType &&
@@ -197,7 +197,7 @@ bool MmsPartReader::readPartHeader(WspReader& in, const QString& field, Part& pa
     if (field == QLatin1String("content-location"))
         part.name = TextDecoder::decode(text).trimmed();
     else
-        part.contentId = withoutBrackets(TextDecoder::decode(text));
+        part.contentId = bareContentId(TextDecoder::decode(text));
     return true;
 }
 

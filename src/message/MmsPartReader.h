@@ -25,6 +25,9 @@ public:
         QByteArray data;
     };
 
+    // A Content-ID as a header, a start parameter or a "cid:" source writes
+    // it, without its angle brackets.
+    static QString bareContentId(QString id);
     // Whether bytes begin as an m-send-req or m-retrieve-conf does: the
     // message type is the first header.
     static bool looksLikeMessage(const QByteArray& bytes);

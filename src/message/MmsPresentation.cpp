@@ -11,13 +11,6 @@
 namespace {
 using Kind = MmsPartFiles::Kind;
 
-QString withoutBrackets(QString id) {
-    id = id.trimmed();
-    if (id.startsWith(u'<') && id.endsWith(u'>'))
-        id = id.mid(1, id.size() - 2);
-    return id;
-}
-
 // The SMIL as UTF-8: by the charset its part names, else as XML tells.
 QByteArray smilText(const MmsPartReader::Part& part) {
     if (part.type.charset.isEmpty())
@@ -50,7 +43,7 @@ bool MmsPresentation::write(const QString& path, QString* why) {
 // Content-Location, when it is a SMIL; else the first SMIL.
 int MmsPresentation::startPart() const {
     const QList<MmsPartReader::Part>& parts = m_message.parts();
-    const QString start = withoutBrackets(m_message.contentType().start);
+    const QString start = MmsPartReader::bareContentId(m_message.contentType().start);
     int first = -1;
     for (int i = 0; i < parts.size(); ++i) {
         if (MmsPartFiles::kindOf(parts[i]) != Kind::Smil)
