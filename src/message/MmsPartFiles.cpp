@@ -4,6 +4,7 @@
 #include "MediaFormat.h"
 #include "PlainFileName.h"
 #include "TextDecoder.h"
+#include "XmlText.h"
 
 #include <QFile>
 #include <QUrl>
@@ -21,8 +22,10 @@ QString percentDecoded(const QString& value) {
     return QUrl::fromPercentEncoding(value.toUtf8());
 }
 
-// What a file system or a later reader could take for more than a name.
-QString withoutOddCharacters(QString name) {
+// What a file system or a later reader could take for more than a name, and
+// what the presentation naming the file could not carry (XmlText).
+QString withoutOddCharacters(const QString& written) {
+    QString name = XmlText::clean(written);
     for (QChar& c : name)
         if (c.unicode() < 0x20 || c.unicode() == 0x7F || QStringLiteral("/\\:*?\"<>|").contains(c))
             c = u'_';
@@ -172,7 +175,8 @@ QString MmsPartFiles::safeName(const MmsPartReader::Part& part, Kind kind, int i
                         ? QStringLiteral(".txt")
                         : MediaFormat::extensionFor(MediaFormat::identify(part.data).kind);
     }
-    stem = stem.left(kMaxStemLength);
+    // The presentation's reader trims what it reads, so the name may not end in a blank.
+    stem = stem.left(kMaxStemLength).trimmed();
     if (stem.isEmpty() || !PlainFileName::isPlain(stem + extension))
         stem = QStringLiteral("part%1").arg(index + 1);
     name = stem + extension;

@@ -353,6 +353,20 @@ TEST_F(BinaryMmsTest, DamagedMessagesAreRefusedOrTakenAsFarAsTheyGo) {
     EXPECT_EQ(message->Slides().Count(), 1);
     EXPECT_TRUE(notes().contains("part 1")) << notes().toStdString();
 
+    // Names the presentation could not carry as they are: characters XML has
+    // no room for, a blank where a long name is cut.
+    const QByteArray longName = QByteArray(59, 'a') + ' ' + QByteArray(10, 'b');
+    message = import(
+        save("odd names.wap",
+             sendRequest(hex("a3"), multipart({entry(hex("9e"), location("\xef\xbf\xbf"), m_photo),
+                                               entry(hex("83"), {}, "words"),
+                                               entry(hex("9e"), location(longName),
+                                                     QByteArray("no\0picture", 10))}))));
+    ASSERT_NE(message, nullptr) << status().toStdString();
+    ASSERT_EQ(message->Slides().Count(), 2);
+    EXPECT_EQ(workFile(message->Slides().Item(1).DrawObjects().BackPicture()), m_photo);
+    EXPECT_EQ(message->Slides().Item(1).Text(), "words");
+
     // Parts nested beyond reason are left out, said, and the rest is read.
     QByteArray nested = multipart({jpeg});
     for (int level = 0; level < 12; ++level)
