@@ -59,6 +59,26 @@ std::optional<QString> byMark(const QByteArray& bytes) {
     return std::nullopt;
 }
 
+// "UTF-16" and UCS-2 leave the byte order to a mark. Without one the order
+// is the one whose high bytes are zero more often, as they are for Latin
+// letters; big-endian when that tells nothing, as the standard has it.
+bool leavesByteOrderOpen(const QString& name) {
+    static const QStringList names{"utf-16", "utf16", "ucs-2", "iso-10646-ucs-2", "csunicode"};
+    return names.contains(name.trimmed(), Qt::CaseInsensitive);
+}
+
+QString utf16InEitherOrder(const QByteArray& bytes) {
+    if (std::optional<QString> text = byMark(bytes))
+        return *text;
+    std::array<qsizetype, 2> zeros{0, 0};
+    for (qsizetype i = 0; i < bytes.size(); ++i)
+        if (bytes[i] == '\0')
+            ++zeros[i % 2];
+    QStringDecoder decoder(zeros[1] > zeros[0] ? QStringConverter::Utf16LE
+                                               : QStringConverter::Utf16BE);
+    return decoder.decode(bytes);
+}
+
 // UTF-16 written without a mark still starts with "<?" when it declares itself.
 std::optional<QString> unmarkedUtf16(const QByteArray& bytes) {
     const auto decode = [&bytes](QStringConverter::Encoding encoding) {
@@ -86,6 +106,8 @@ bool isUtf8(const QString& name) {
 } // namespace
 
 QString TextDecoder::decode(const QByteArray& bytes, const QString& charset) {
+    if (leavesByteOrderOpen(charset))
+        return utf16InEitherOrder(bytes);
     if (!charset.trimmed().isEmpty())
         if (std::optional<QString> text = inCharset(bytes, charset))
             return *text;

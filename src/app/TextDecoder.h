@@ -9,7 +9,9 @@ public:
     // A plain text file: in the charset named for it when that is one we know;
     // else by its byte-order mark (UTF-8, UTF-16 LE or BE); else UTF-8 when the
     // bytes are valid UTF-8; else the Western Windows code page, which older
-    // programs wrote and whose quotes and euro sign Latin-1 lacks.
+    // programs wrote and whose quotes and euro sign Latin-1 lacks. UTF-16 named
+    // without its byte order ("utf-16", UCS-2) and written without a mark is
+    // read in the order its zero bytes show, big-endian when they show none.
     static QString decode(const QByteArray& bytes, const QString& charset = QString());
 
     // An XML document as UTF-8 bytes, for a parser told to read UTF-8: decoded

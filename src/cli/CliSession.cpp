@@ -36,6 +36,9 @@ clsMessage* CliSession::open(const QString& file) {
         CliOutput::error(m_manager.lastError());
     else
         reportMissingMedia();
+    // A binary MMS is opened by importing it, which says what it left out.
+    for (const QString& note : m_manager.exportImportNotes())
+        CliOutput::warning("open: " + note);
     return message;
 }
 

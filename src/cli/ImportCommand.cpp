@@ -9,10 +9,8 @@
 int ImportCommand::run(const QStringList& arguments) {
     if (arguments.size() != 2)
         return CliOutput::usageError(usage());
-    // As in the import dialog: the extension decides what the file is.
-    const int kind = arguments[0].endsWith(".tpl", Qt::CaseInsensitive)
-                         ? clsMMSManager::ImportTemplate
-                         : clsMMSManager::ImportSmil;
+    // As in the import dialog: a binary MMS by its bytes, a template by its extension.
+    const int kind = clsMMSManager::ImportKindOf(arguments[0]);
     try {
         CliSession session;
         session.setSurface({});
@@ -30,5 +28,5 @@ int ImportCommand::run(const QStringList& arguments) {
 }
 
 QString ImportCommand::usage() {
-    return QStringLiteral("vellumo-cli import FILE.smil|FILE.tpl OUT.mms");
+    return QStringLiteral("vellumo-cli import FILE.smil|FILE.tpl|FILE.wap OUT.mms");
 }

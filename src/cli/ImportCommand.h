@@ -2,8 +2,8 @@
 
 #include <QStringList>
 
-// vellumo-cli import FILE.smil|FILE.tpl OUT.mms: a SMIL presentation or a
-// template archive made into a message file.
+// vellumo-cli import FILE.smil|FILE.tpl|FILE.wap OUT.mms: a SMIL presentation,
+// a template archive or a binary MMS (under any name) made into a message file.
 class ImportCommand {
 public:
     static int run(const QStringList& arguments);

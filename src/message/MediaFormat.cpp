@@ -280,6 +280,28 @@ MediaFormat::Facts MediaFormat::identify(const QByteArray& bytes) {
     return byContent(bytes);
 }
 
+namespace {
+// Extensions and the kinds they promise; the first of a kind is the one it is written with.
+constexpr std::array<std::pair<const char*, Kind>, 16> kExtensions{{
+    {"jpg", MediaFormat::JpegBaseline},
+    {"jpeg", MediaFormat::JpegBaseline},
+    {"gif", MediaFormat::Gif89a},
+    {"png", MediaFormat::Png},
+    {"wbmp", MediaFormat::Wbmp},
+    {"bmp", MediaFormat::Bmp},
+    {"amr", MediaFormat::AmrNb},
+    {"awb", MediaFormat::AmrWb},
+    {"mid", MediaFormat::Midi},
+    {"midi", MediaFormat::Midi},
+    {"mp3", MediaFormat::Mp3},
+    {"wav", MediaFormat::Wav},
+    {"txt", MediaFormat::TextUtf8},
+    {"smil", MediaFormat::Smil},
+    {"3gp", MediaFormat::Video3gpp},
+    {"mp4", MediaFormat::VideoMp4},
+}};
+} // namespace
+
 QString MediaFormat::kindName(Kind kind) {
     static const std::map<Kind, const char*> names{
         {Empty, "an empty file"},
@@ -311,14 +333,11 @@ QString MediaFormat::kindName(Kind kind) {
 }
 
 MediaFormat::Kind MediaFormat::promisedBy(const QString& fileName) {
-    static const std::map<QString, Kind> byExtension{
-        {"jpg", JpegBaseline}, {"jpeg", JpegBaseline}, {"gif", Gif89a},    {"png", Png},
-        {"wbmp", Wbmp},        {"bmp", Bmp},           {"amr", AmrNb},     {"awb", AmrWb},
-        {"mid", Midi},         {"midi", Midi},         {"mp3", Mp3},       {"wav", Wav},
-        {"txt", TextUtf8},     {"smil", Smil},         {"3gp", Video3gpp}, {"mp4", VideoMp4},
-    };
-    const auto found = byExtension.find(QFileInfo(fileName).suffix().toLower());
-    return found == byExtension.end() ? Unknown : found->second;
+    const QString extension = QFileInfo(fileName).suffix().toLower();
+    for (const auto& [known, kind] : kExtensions)
+        if (extension == QLatin1String(known))
+            return kind;
+    return Unknown;
 }
 
 namespace {
@@ -343,6 +362,13 @@ Kind family(Kind kind) {
     }
 }
 } // namespace
+
+QString MediaFormat::extensionFor(Kind kind) {
+    for (const auto& [extension, promised] : kExtensions)
+        if (family(promised) == family(kind))
+            return u'.' + QLatin1String(extension);
+    return QString();
+}
 
 bool MediaFormat::matchesName(Kind kind, const QString& fileName) {
     const Kind promised = promisedBy(fileName);

@@ -49,6 +49,9 @@ public:
     // The kind a file name promises by its extension, Unknown when it
     // promises nothing this program knows.
     static Kind promisedBy(const QString& fileName);
+    // The extension a file of kind is written with (".jpg"); "" for a kind
+    // without one.
+    static QString extensionFor(Kind kind);
     // Whether a part named fileName holding kind is what the name says: the
     // receiver is told the type its name implies.
     static bool matchesName(Kind kind, const QString& fileName);

@@ -7,6 +7,7 @@
 #include "AtomicFile.h"
 #include "EventPump.h"
 #include "ImageWriter.h"
+#include "MmsImporter.h"
 #include "PackageDefinition.h"
 #include "PictureFile.h"
 #include "PlainFileName.h"
@@ -183,10 +184,20 @@ clsMessage* clsMMSManager::CreateMsg() {
 }
 
 clsMessage* clsMMSManager::OpenMsg(const QString& path, int& result) {
-    emptyWorkFolder();
     m_missingMedia.clear();
     m_lastError.clear();
+    m_notes.clear();
     const QString archive = AppPaths::toDisk(path);
+    // A message as it is sent: imported, the open message kept when it cannot be.
+    if (MmsImporter::isBinaryMms(archive)) {
+        clsMessage* message = importBinary(archive, GetFilenameFromPath(path, false));
+        m_lastError = message ? QString() : m_exportStatus;
+        result = message ? OpenOk : OpenNotArchive;
+        if (message)
+            message->setChanged(false);
+        return message;
+    }
+    emptyWorkFolder();
     if (!m_tar.isArchive(archive) ||
         !runTar("--use-directory=0 --display-dialog=0 -xvf " + quoted(archive) + " -o  " +
                 quoted(withoutTrailingSlash(m_workFolder)))) {
@@ -499,12 +510,12 @@ clsMessage* clsMMSManager::ImportMMS(const QString& path, int kind) {
     m_exportStatus.clear();
     m_notes.clear();
     const QString smil = AppPaths::toDisk(path);
+    if (kind == ImportBinary)
+        return importBinary(smil, QStringLiteral("import"));
     if (kind == ImportTemplate) {
-        const QString folder = GetTempFolderPath("tpldir");
-        if (folder.isEmpty()) {
-            m_exportStatus = "No private temporary folder can be made: " + m_temp->errorString();
+        const QString folder = importFolder("tpldir");
+        if (folder.isEmpty())
             return nullptr;
-        }
         // The unpacked media are copied into the work folder; nothing stays behind.
         const auto removeUnpacked = qScopeGuard([folder] { DeleteFolder(folder); });
         return unpackTemplate(smil, folder)
@@ -514,6 +525,45 @@ clsMessage* clsMMSManager::ImportMMS(const QString& path, int kind) {
     const QString folder = GetPathFromFilename(smil, 1);
     const QString own = folder + GetFilenameFromPath(smil, false) + "_texts.xml";
     return importSmil(smil, QFileInfo::exists(own) ? own : folder + "texts.xml");
+}
+
+// A private folder for an import's files; "" with the status saying why not.
+QString clsMMSManager::importFolder(const QString& subFolder) {
+    const QString folder = GetTempFolderPath(subFolder);
+    if (folder.isEmpty())
+        m_exportStatus = "No private temporary folder can be made: " + m_temp->errorString();
+    return folder;
+}
+
+int clsMMSManager::ImportKindOf(const QString& path) {
+    if (MmsImporter::isBinaryMms(path))
+        return ImportBinary;
+    return GetFilenameExtension(path).compare(QLatin1String(".tpl"), Qt::CaseInsensitive) == 0
+               ? ImportTemplate
+               : ImportSmil;
+}
+
+// The parts are laid out as a presentation in a private folder and imported
+// from there as a SMIL set is; the folder goes when the message is built.
+clsMessage* clsMMSManager::importBinary(const QString& path, const QString& name) {
+    const QString folder = importFolder("wapdir");
+    if (folder.isEmpty())
+        return nullptr;
+    const auto removeParts = qScopeGuard([folder] { DeleteFolder(folder); });
+    MmsImporter importer;
+    clsMessage* message = nullptr;
+    if (importer.read(path, folder))
+        message = importSmil(importer.presentation(), QString());
+    else
+        m_exportStatus = importer.error();
+    if (!message) {
+        m_exportStatus = AppGlobals::text(
+            "STR_IMPORT_MMS_REFUSED", "The message %0 cannot be read: %1", {path, m_exportStatus});
+        return nullptr;
+    }
+    m_notes = importer.notes() + m_notes;
+    message->setName(importer.subject().isEmpty() ? name : importer.subject());
+    return message;
 }
 
 bool clsMMSManager::unpackTemplate(const QString& archive, const QString& folder) {

@@ -67,6 +67,8 @@ public:
     void SavePictureBoxImage(const QImage& picture, int format, const QString& path);
 
     clsMessage* CreateMsg();
+    // A binary MMS under any name is imported (ImportBinary) instead; its
+    // notes are exportImportNotes().
     clsMessage* OpenMsg(const QString& path, int& result);
     bool SaveMsg(const QString& path);
     // Takes the message XML lying in folder, and the media it names, into the
@@ -81,16 +83,20 @@ public:
 
     enum ExportKind { ExportSmil = 1, ExportTemplate = 2, ExportPackage = 4 };
     enum ExportResult { ExportOk = 0, ExportFailed = 1, ExportExists = 2 };
-    enum ImportKind { ImportSmil = 1, ImportTemplate = 2 };
+    enum ImportKind { ImportSmil = 1, ImportTemplate = 2, ImportBinary = 3 };
 
     // Writes the message as a SMIL set beside target (FOLDER/NAME.smil), and
     // for a template also FOLDER/mms.tpl, for a package FOLDER/mms.pkg and
     // FOLDER/mms.SIS. Never overwrites without leave.
     int ExportMMS(clsMessage& message, int kind, int durationFormat, const QString& target,
                   bool overwrite);
-    // A new message named "import" from a SMIL file or a template archive;
-    // nullptr, with the status saying why, when it cannot be read.
+    // A new message named "import" from a SMIL file or a template archive,
+    // or named by its Subject from a binary MMS; nullptr, with the status
+    // saying why, when it cannot be read.
     clsMessage* ImportMMS(const QString& path, int kind);
+    // What the file at path is to ImportMMS: a binary MMS by its bytes, a
+    // template by its extension ".tpl", else a SMIL file.
+    static int ImportKindOf(const QString& path);
     QString GetExportImportStatus() const { return m_exportStatus; }
     // What the last import or export took otherwise than it was written (a
     // slide whose duration reads as 0 ms, a slide left out), one line each.
@@ -149,6 +155,8 @@ private:
     bool unpackTemplate(const QString& archive, const QString& folder);
     static QString templatePresentation(const QString& folder);
     clsMessage* importSmil(const QString& smil, const QString& textsIndex);
+    QString importFolder(const QString& subFolder);
+    clsMessage* importBinary(const QString& path, const QString& name);
     clsMessage* buildImported(const SmilImporter& importer);
     // Work-folder names of the files an import copied in, by source path.
     struct ImportedFiles {

@@ -17,7 +17,8 @@ frmImport::frmImport(FileCommands& files, clsMMSManager& manager, QWidget* paren
 QString frmImport::filter() {
     return text("STR_IMPORT_FILTER",
                 "All Files (*.*)|*.*|SMIL and Template files (*.smil;*.tpl)|*.smil;*.tpl|SMIL "
-                "files (*.smil)|*.smil|Template files (*.tpl)|*.tpl");
+                "files (*.smil)|*.smil|Template files (*.tpl)|*.tpl|Encoded MMS files "
+                "(*.wap;*.mms)|*.wap;*.mms");
 }
 
 void frmImport::TranslateForm() {
@@ -30,12 +31,6 @@ QString frmImport::helpText() const {
     return text("STR_IMPORT_HELP1", "Choose a SMIL file or a template, then click Import.");
 }
 
-int frmImport::kindOf(const QString& path) {
-    return QFileInfo(path).suffix().compare(QLatin1String("tpl"), Qt::CaseInsensitive) == 0
-               ? clsMMSManager::ImportTemplate
-               : clsMMSManager::ImportSmil;
-}
-
 DialogService::FileRequest frmImport::fileRequest() const {
     DialogService::FileRequest request;
     request.title = text("STR_IMPORT_CAPTION", "Import message");
@@ -46,7 +41,7 @@ DialogService::FileRequest frmImport::fileRequest() const {
 void frmImport::run() {
     const QString path = QFileInfo(fileName()).absoluteFilePath();
     beginRun(text("STR_IMPORTING_FILE", "Importing the file…"), false);
-    switch (m_files.importMessage(path, kindOf(path))) {
+    switch (m_files.importMessage(path, clsMMSManager::ImportKindOf(path))) {
     case FileCommands::Imported:
         return endRun((QStringList{text("STR_IMPORT_SUCCESS", "The message has been imported.")} +
                        m_manager.exportImportNotes())

@@ -4,7 +4,8 @@
 
 class FileCommands;
 
-// Reads a SMIL file, or a template archive (".tpl"), as a new message that
+// Reads a SMIL file, a template archive (".tpl") or a binary MMS (told by its
+// bytes, see clsMMSManager::ImportKindOf) as a new message that
 // takes the open one's place as an opened message does, after the question
 // about unsaved changes. A file that cannot be read leaves the open message
 // as it was.
@@ -14,8 +15,6 @@ public:
     frmImport(FileCommands& files, clsMMSManager& manager, QWidget* parent = nullptr);
 
     void TranslateForm() override;
-    // clsMMSManager::ImportTemplate for a ".tpl", else ImportSmil.
-    static int kindOf(const QString& path);
 
 protected:
     DialogService::FileRequest fileRequest() const override;
