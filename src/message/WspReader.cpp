@@ -142,7 +142,9 @@ bool WspReader::textString(QByteArray& text) {
 // The charset form keeps its text to the end of its length: a UTF-16 text
 // holds zero bytes of its own before the terminating one.
 bool WspReader::encodedString(QString& text) {
-    if (peek() > kLengthQuote) {
+    // A lone end byte is an empty text, not a value of length 0: the charset
+    // form always holds its charset.
+    if (peek() > kLengthQuote || peek() == 0) {
         QByteArray bytes;
         if (!textString(bytes))
             return false;

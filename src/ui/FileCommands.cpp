@@ -4,6 +4,7 @@
 #include "ClassGuard.h"
 #include "DialogService.h"
 #include "MessageDocument.h"
+#include "MmsImporter.h"
 #include "RecentFilesList.h"
 #include "clsMMSManager.h"
 
@@ -39,7 +40,9 @@ bool FileCommands::openDialog() {
 
 bool FileCommands::open(const QString& path) {
     if (m_document.openMessage(path)) {
-        setFileName(path);
+        // A message as it is sent opens as an import does: saving asks for a
+        // file of the program's own instead of replacing it.
+        setFileName(MmsImporter::isBinaryMms(path) ? QString() : path);
         m_recent.AddToRecentFilesList(path);
         emit recentFilesChanged();
         return true;

@@ -1,5 +1,6 @@
 #include "AppGlobals.h"
 #include "DialogService.h"
+#include "FileCommands.h"
 #include "FolderPrint.h"
 #include "MainWindowFixture.h"
 #include "MessageDocument.h"
@@ -389,4 +390,28 @@ TEST_F(ExportImportTest, TheDialogsSpeakTheUsersLanguage) {
             closeByEscape(dialog);
         }
     }
+}
+
+// A message as it is received, in a file named as the program's own, opens
+// with its slides; saving it asks for a new file instead of replacing it.
+TEST_F(ExportImportTest, AReceivedMessageNamedDotMmsOpensButIsNotOverwritten) {
+    setting("CreationMode", "Free");
+    threeSlides();
+    MessageExport exporter(document().manager());
+    const QString received = m_out + "received.mms";
+    ASSERT_EQ(exporter.run(*document().message(), MessageExport::ReceivedMms, 0, received, false,
+                           MessageExport::OutputOnly),
+              clsMMSManager::ExportOk)
+        << exporter.status().toStdString();
+    const QByteArray sent = bytes(received);
+    DialogService::queueAnswer(QMessageBox::No); // do not save the changes
+    ASSERT_TRUE(window().fileCommands()->open(received));
+    EXPECT_EQ(slides(), QStringList({"3000 one", "1500 two", "2500 three"}));
+    EXPECT_EQ(window().windowTitle(), "Untitled.mms -Vellumo");
+
+    DialogService::queueFileAnswer(m_out + "own.mms");
+    QTest::keyClick(&window(), Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(DialogService::answeredFileDialogs().size(), 1) << "Save asks for a file";
+    EXPECT_EQ(bytes(received), sent);
+    EXPECT_TRUE(cliInfo(m_out + "own.mms").contains("  text: \"three\""));
 }
