@@ -15,6 +15,7 @@
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace {
 struct ProgramRun {
@@ -305,6 +306,27 @@ TEST_F(MakesisTest, BadPackagesNameTheLineAndLeaveNoPackage) {
         EXPECT_EQ(folderEntries(), QStringList({QStringLiteral("T.pkg")}))
             << "no package and no temporary file left behind: " << test.pkg;
     }
+}
+
+// A device never ends and a pipe waits for a writer: either would hold the
+// builder for ever or fill its memory, so neither is read at all.
+TEST_F(MakesisTest, WhatIsNoRegularFileIsRefusedUnread) {
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path(QStringLiteral("F/pipe.jpg"))).constData(), 0600), 0);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path(QStringLiteral("P.pkg"))).constData(), 0600), 0);
+    const QByteArray header = "#{\"T\"},(0x10E7B29D),1,0,0,TYPE=SISUPGRADE\r\n";
+    for (const QByteArray source : {QByteArray("/dev/zero"), QByteArray("F/pipe.jpg")}) {
+        write(QStringLiteral("T.pkg"), header + "\"" + source + "\"-\"!:\\a.jpg\"\r\n");
+        const ProgramRun run = makesis({path(QStringLiteral("T.pkg"))});
+        EXPECT_EQ(run.exitCode, 1) << source.constData();
+        EXPECT_TRUE(run.err.contains("T.pkg:2: cannot read source \"" + source +
+                                     "\": it is no regular file"))
+            << run.err.toStdString();
+        EXPECT_FALSE(QFile::exists(path(QStringLiteral("T.SIS"))));
+    }
+    const ProgramRun pipe = makesis({path(QStringLiteral("P.pkg"))});
+    EXPECT_EQ(pipe.exitCode, 1);
+    EXPECT_TRUE(pipe.err.contains(QStringLiteral("P.pkg: cannot open: it is no regular file")))
+        << pipe.err.toStdString();
 }
 
 TEST_F(MakesisTest, CommandLineMistakesAndUnwritableTargets) {

@@ -65,8 +65,11 @@ class Package:
         return list(codes)
 
     def read_names(self, offset, count):
-        values, offset = self.words("<%dI" % (2 * count), offset)
-        names = [self.string(values[2 * i], values[2 * i + 1]) for i in range(count)]
+        # One length per language, then one pointer per language, as the
+        # data of a file record that differs by language.
+        lengths, offset = self.words("<%dI" % count, offset)
+        pointers, offset = self.words("<%dI" % count, offset)
+        names = [self.string(length, pointer) for length, pointer in zip(lengths, pointers)]
         return names, offset
 
     def read_files(self):

@@ -1,6 +1,7 @@
 #include "PackageBuilder.h"
 
 #include "PkgParser.h"
+#include "RegularFile.h"
 #include "SisWriter.h"
 #include "SourceLoader.h"
 
@@ -29,9 +30,10 @@ bool PackageBuilder::fail(const PkgError& error) {
 bool PackageBuilder::build(const QString& pkgPath, const QString& sisPath) {
     m_pkgPath = pkgPath;
     m_error.clear();
-    QFile in(pkgPath);
-    if (!in.open(QIODevice::ReadOnly))
-        return fail({0, QStringLiteral("cannot open: %1").arg(in.errorString())});
+    QFile in;
+    QString why;
+    if (!RegularFile::open(pkgPath, in, why))
+        return fail({0, QStringLiteral("cannot open: %1").arg(why)});
     if (in.size() > maximumPkgSize)
         return fail({0, QStringLiteral("too large for a package definition")});
     PkgParser parser;

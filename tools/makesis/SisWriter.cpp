@@ -75,6 +75,15 @@ void putSpans(QByteArray& out, const QList<Span>& spans) {
     }
 }
 
+// A text given once per language is stored as its lengths, then its
+// pointers, as the data of a file that differs by language is.
+void putPerLanguage(QByteArray& out, const QList<Span>& spans) {
+    for (const Span& span : spans)
+        put32(out, span.length);
+    for (const Span& span : spans)
+        put32(out, span.pointer);
+}
+
 bool deflated(const QByteArray& data, QByteArray& out) {
     uLongf size = compressBound(uLong(data.size()));
     out.resize(qsizetype(size));
@@ -232,7 +241,7 @@ void writeRequisites(const Layout& layout, QByteArray& out) {
         put16(out, requisite.version.major);
         put16(out, requisite.version.minor);
         put32(out, requisite.version.variant);
-        putSpans(out, layout.requisiteNames.at(i));
+        putPerLanguage(out, layout.requisiteNames.at(i));
     }
 }
 } // namespace
@@ -270,7 +279,7 @@ bool SisWriter::build(const PkgDefinition& definition, QByteArray& package) {
         put16(package, language);
     writeFileRecords(layout, package);
     writeRequisites(layout, package);
-    putSpans(package, layout.componentNames);
+    putPerLanguage(package, layout.componentNames);
     package.append(layout.strings.bytes);
     for (const FileEntry& entry : layout.files)
         for (const QByteArray& stored : entry.stored)

@@ -1,8 +1,9 @@
 #include "SourceLoader.h"
 
+#include "RegularFile.h"
+
 #include <QDir>
 #include <QFile>
-#include <QFileInfo>
 
 namespace {
 // Every offset in a package is 32 bits; refuse early rather than after
@@ -49,16 +50,18 @@ bool SourceLoader::loadSource(const PkgFile& file, const QString& source, QByteA
     };
     if (path.isEmpty())
         return fail(QStringLiteral("a drive letter path of another system"));
-    if (QFileInfo(path).isDir())
-        return fail(QStringLiteral("it is a folder"));
-    QFile in(path);
-    if (!in.open(QIODevice::ReadOnly))
-        return fail(in.errorString());
-    m_total += in.size();
+    QFile in;
+    QString why;
+    if (!RegularFile::open(path, in, why))
+        return fail(why);
+    const qint64 size = in.size();
+    m_total += size;
     if (m_total > maximumTotal)
         return fail(QStringLiteral("the package would be larger than 4 GB"));
-    bytes = in.readAll();
-    if (in.error() != QFileDevice::NoError)
-        return fail(in.errorString());
+    // The size measured is the size stored, even should the file grow meanwhile.
+    bytes = in.read(size);
+    if (bytes.size() != size)
+        return fail(in.error() != QFileDevice::NoError ? in.errorString()
+                                                       : QStringLiteral("it became shorter"));
     return true;
 }
