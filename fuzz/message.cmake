@@ -8,3 +8,4 @@ vellumo_fuzzer(fuzz_media_format ${CMAKE_SOURCE_DIR}/fuzz/media_format.cpp vellu
 vellumo_fuzzer(fuzz_mms_parts ${CMAKE_SOURCE_DIR}/fuzz/mms_parts.cpp vellumo_message)
 vellumo_fuzzer(fuzz_text_decoding ${CMAKE_SOURCE_DIR}/fuzz/text_decoding.cpp vellumo_message)
 vellumo_fuzzer(fuzz_smil_timeline ${CMAKE_SOURCE_DIR}/fuzz/smil_timeline.cpp vellumo_message)
+vellumo_fuzzer(fuzz_binary_mms ${CMAKE_SOURCE_DIR}/fuzz/binary_mms.cpp vellumo_message)
