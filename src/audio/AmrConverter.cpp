@@ -2,15 +2,19 @@
 
 #include "WavFile.h"
 
+#include "AppGlobals.h"
+
 #include "AtomicFile.h"
 #include <QFile>
 #include <array>
+#include <map>
 #include <memory>
 #include <opencore-amrnb/interf_dec.h>
 #include <opencore-amrnb/interf_enc.h>
 
 namespace {
 const QByteArray kMagic("#!AMR\n");
+const QByteArray kWidebandMagic("#!AMR-WB\n");
 // Payload bytes after the one-byte frame header, by frame type; reserved types
 // are -1. Type 15 means "no data" and carries nothing.
 constexpr std::array<int, 16> kPayloadBytes{12, 13, 15, 17, 19, 20, 26, 31,
@@ -41,6 +45,8 @@ int AmrConverter::wav2amr(const QString& source, const QString& target) {
     const WavFile::Error error = WavFile::read(source, sound);
     if (error == WavFile::Error::Unreadable)
         return SourceUnreadable;
+    if (error == WavFile::Error::Compressed)
+        return CompressedSource;
     if (error != WavFile::Error::None)
         return CorruptSource;
     if (sound.format() != PcmFormat{kSampleRate, 1, 16})
@@ -74,6 +80,8 @@ int AmrConverter::amr2wav(const QString& source, const QString& target) {
     if (!file.open(QIODevice::ReadOnly))
         return SourceUnreadable;
     const QByteArray bytes = file.readAll();
+    if (bytes.startsWith(kWidebandMagic))
+        return WidebandSource;
     if (!bytes.startsWith(kMagic))
         return CorruptSource;
 
@@ -112,22 +120,26 @@ int AmrConverter::amr2wav(const QString& source, const QString& target) {
                : TargetUnwritable;
 }
 
-QString AmrConverter::errorText(int result) {
-    switch (result) {
-    case Ok:
+QString AmrConverter::errorText(int result, const QString& target) {
+    static const std::map<int, std::pair<const char*, const char*>> texts{
+        {SourceUnreadable, {"STR_AMR_UNREADABLE", "the source file cannot be read"}},
+        {WrongFormat,
+         {"STR_AMR_WRONG_FORMAT", "only 8000 Hz 16-bit mono sounds can be converted to AMR"}},
+        {TargetUnwritable, {"STR_AMR_TARGET", "%0 cannot be written"}},
+        {CorruptSource, {"STR_AMR_CORRUPT", "the source file is damaged or of the wrong kind"}},
+        {CodecFailed, {"STR_AMR_CODEC", "the AMR codec failed"}},
+        {TooLong, {"STR_WAV_TOO_LONG", "the sound is longer than a WAV file can hold"}},
+        {WidebandSource,
+         {"STR_AMR_WIDEBAND", "the file is AMR-WB (wideband), which is not supported; only "
+                              "AMR-NB sounds can be converted"}},
+        {CompressedSource,
+         {"STR_AMR_COMPRESSED_WAV",
+          "the WAV file is compressed; only uncompressed PCM can be converted to AMR"}},
+    };
+    if (result == Ok)
         return {};
-    case SourceUnreadable:
-        return QStringLiteral("the source file cannot be read");
-    case WrongFormat:
-        return QStringLiteral("only 8000 Hz 16-bit mono sounds can be converted to AMR");
-    case TargetUnwritable:
-        return QStringLiteral("the target file cannot be written");
-    case CorruptSource:
-        return QStringLiteral("the source file is damaged or of the wrong kind");
-    case CodecFailed:
-        return QStringLiteral("the AMR codec failed");
-    case TooLong:
-        return QStringLiteral("the sound is longer than a WAV file can hold");
-    }
-    return QStringLiteral("unknown conversion error %1").arg(result);
+    const auto it = texts.find(result);
+    if (it == texts.end())
+        return QStringLiteral("unknown conversion error %1").arg(result);
+    return AppGlobals::text(it->second.first, it->second.second, {target});
 }

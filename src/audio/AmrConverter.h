@@ -16,11 +16,14 @@ public:
         CorruptSource = 4,
         CodecFailed = 5,
         TooLong = 6,
+        WidebandSource = 7,
+        CompressedSource = 8,
     };
 
     static int wav2amr(const QString& source, const QString& target);
     static int amr2wav(const QString& source, const QString& target);
-    static QString errorText(int result);
+    // In the user's language; a target that cannot be written is named.
+    static QString errorText(int result, const QString& target = QString());
 
     static constexpr int kSampleRate = 8000;
     static constexpr int kFrameSamples = 160;

@@ -48,8 +48,9 @@ public:
     virtual std::unique_ptr<CaptureStream> record(const PcmFormat& format,
                                                   std::int64_t maxFrames) = 0;
 
-    // The sound device when one exists, otherwise the silent backend. The
-    // environment variable VELLUMO_AUDIO=null forces the silent one.
+    // The sound device when one exists, otherwise the silent backend, chosen
+    // when first used. The environment variable VELLUMO_AUDIO=null forces the
+    // silent one.
     static std::unique_ptr<AudioBackend> createDefault();
 
 private:

@@ -3,6 +3,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/intreadwrite.h>
 #include <libavutil/opt.h>
 #include <libswresample/swresample.h>
 #include <libswscale/swscale.h>
@@ -10,6 +11,7 @@ extern "C" {
 
 #include <QImage>
 
+#include <functional>
 #include <memory>
 
 namespace {
@@ -149,6 +151,58 @@ bool toPicture(const AVFrame& frame, QImage& picture) {
     picture = out;
     return true;
 }
+
+// Feeds every packet of the stream to the decoder and hands each decoded
+// frame on until onFrame says stop; false when it did.
+bool decodeFrames(AVFormatContext& format, AVCodecContext& codec, int streamIndex,
+                  const std::function<bool(const AVFrame&)>& onFrame) {
+    std::unique_ptr<AVPacket, PacketFree> packet(av_packet_alloc());
+    std::unique_ptr<AVFrame, FrameFree> frame(av_frame_alloc());
+    for (bool draining = false; !draining;) {
+        if (av_read_frame(&format, packet.get()) < 0) {
+            draining = true;
+            avcodec_send_packet(&codec, nullptr);
+        } else {
+            if (packet->stream_index == streamIndex)
+                avcodec_send_packet(&codec, packet.get()); // a damaged packet is skipped
+            av_packet_unref(packet.get());
+        }
+        while (avcodec_receive_frame(&codec, frame.get()) == 0) {
+            const bool goOn = onFrame(*frame);
+            av_frame_unref(frame.get());
+            if (!goOn)
+                return false;
+        }
+    }
+    return true;
+}
+
+// The frames the stream's packets say they hold, less the encoder's delay
+// and padding the demuxer marks on them: what decoding would give, read
+// from the packet headers alone. -1 when a packet does not tell its length.
+std::int64_t packetFrames(AVFormatContext& format, int streamIndex, int rate) {
+    const AVRational timeBase = format.streams[streamIndex]->time_base;
+    std::unique_ptr<AVPacket, PacketFree> packet(av_packet_alloc());
+    std::int64_t duration = 0;
+    std::int64_t skipped = 0;
+    bool told = true;
+    while (told && av_read_frame(&format, packet.get()) >= 0) {
+        if (packet->stream_index == streamIndex) {
+            told = packet->duration > 0;
+            duration += packet->duration;
+            size_t size = 0;
+            const uint8_t* skip =
+                av_packet_get_side_data(packet.get(), AV_PKT_DATA_SKIP_SAMPLES, &size);
+            if (skip && size >= 8)
+                skipped += std::int64_t(AV_RL32(skip)) + AV_RL32(skip + 4);
+        }
+        av_packet_unref(packet.get());
+    }
+    if (!told)
+        return -1;
+    return std::max<std::int64_t>(av_rescale_q(duration, timeBase, AVRational{1, rate}) - skipped,
+                                  0);
+}
 } // namespace
 
 bool FfmpegDecoder::decodeAudio(const QString& path, PcmSound& sound, QString& error,
@@ -166,34 +220,13 @@ bool FfmpegDecoder::decodeAudio(const QString& path, PcmSound& sound, QString& e
         return false;
 
     const qsizetype maxBytes = qsizetype(maxMs * pcm.sampleRate / 1000) * pcm.bytesPerFrame();
-    std::unique_ptr<AVPacket, PacketFree> packet(av_packet_alloc());
-    std::unique_ptr<AVFrame, FrameFree> frame(av_frame_alloc());
     QByteArray data;
-    bool draining = false;
-    while (data.size() < maxBytes) {
-        if (!draining) {
-            const int rc = av_read_frame(format.get(), packet.get());
-            if (rc < 0) {
-                draining = true;
-                avcodec_send_packet(codec.get(), nullptr);
-            } else {
-                if (packet->stream_index == streamIndex)
-                    avcodec_send_packet(codec.get(), packet.get()); // a damaged packet is skipped
-                av_packet_unref(packet.get());
-            }
-        }
-        int rc = 0;
-        while ((rc = avcodec_receive_frame(codec.get(), frame.get())) == 0) {
-            const bool ok = resampler.append(*frame, data);
-            av_frame_unref(frame.get());
-            if (!ok) {
-                error = QStringLiteral("cannot convert the decoded samples");
-                return false;
-            }
-        }
-        // Once the decoder has been told the input ended, whatever it answers last ends the loop.
-        if (draining)
-            break;
+    const bool converted = decodeFrames(*format, *codec, streamIndex, [&](const AVFrame& frame) {
+        return resampler.append(frame, data) ? data.size() < maxBytes : false;
+    });
+    if (!converted && data.size() < maxBytes) {
+        error = QStringLiteral("cannot convert the decoded samples");
+        return false;
     }
     if (data.isEmpty()) {
         error = QStringLiteral("no sound could be decoded");
@@ -201,6 +234,41 @@ bool FfmpegDecoder::decodeAudio(const QString& path, PcmSound& sound, QString& e
     }
     data.truncate(std::min(data.size(), maxBytes));
     sound = PcmSound(pcm, std::move(data));
+    return true;
+}
+
+bool FfmpegDecoder::audioLengthMs(const QString& path, std::int64_t& lengthMs, QString& error) {
+    FormatPtr format = openInput(path, error);
+    if (!format)
+        return false;
+    int streamIndex = -1;
+    std::unique_ptr<AVCodecContext, CodecCloser> codec;
+    if (!openDecoder(*format, AVMEDIA_TYPE_AUDIO, streamIndex, codec, error))
+        return false;
+    const int rate = codec->sample_rate;
+    if (rate <= 0) {
+        error = QStringLiteral("unsupported sample rate or channel count");
+        return false;
+    }
+    std::int64_t frames = packetFrames(*format, streamIndex, rate);
+    // Packets that do not tell their length are counted the slow way: decoded, not kept.
+    if (frames < 0) {
+        if (av_seek_frame(format.get(), -1, 0, AVSEEK_FLAG_BACKWARD) < 0) {
+            format = openInput(path, error);
+            if (!format)
+                return false;
+        }
+        frames = 0;
+        decodeFrames(*format, *codec, streamIndex, [&](const AVFrame& frame) {
+            frames += frame.nb_samples;
+            return true;
+        });
+    }
+    if (frames <= 0) {
+        error = QStringLiteral("no sound could be decoded");
+        return false;
+    }
+    lengthMs = (frames * 1000 + rate / 2) / rate;
     return true;
 }
 

@@ -18,10 +18,13 @@ public:
 
     // Decodes the first audio stream to 16-bit PCM, mono or stereo (more
     // channels are mixed down to two). Stops at maxMs so a hostile file cannot
-    // fill memory. The encoder's start delay and end padding are dropped, so
-    // the sample count is the one that was encoded.
+    // fill memory: the sound is held whole, to be played. The encoder's start delay and end padding
+    // are dropped, so the sample count is the one that was encoded.
     static bool decodeAudio(const QString& path, PcmSound& sound, QString& error,
                             std::int64_t maxMs = kMaxDecodeMs);
+    // The exact length of the first audio stream, as decoding would give it,
+    // read from its packets without decoding them where they tell their length.
+    static bool audioLengthMs(const QString& path, std::int64_t& lengthMs, QString& error);
     // Stream kinds and the container's length in milliseconds.
     static bool probe(const QString& path, MediaInfo& info, QString& error);
 

@@ -112,9 +112,30 @@ std::int64_t ticksToMs(const TempoMap& tempos, std::int64_t endTick, int divisio
     const unsigned __int128 ms = total / (static_cast<unsigned __int128>(division) * 1000);
     return ms > INT64_MAX ? INT64_MAX : static_cast<std::int64_t>(ms);
 }
+
+// A RIFF MIDI file wraps a Standard MIDI File in its "data" chunk; the
+// standard file is what is read and played. Other bytes are returned as they are.
+QByteArray unwrapRiff(const QByteArray& bytes) {
+    if (bytes.size() < 12 || !bytes.startsWith("RIFF") || bytes.mid(8, 4) != "RMID")
+        return bytes;
+    for (qsizetype pos = 12; pos + 8 <= bytes.size();) {
+        const quint32 size = qFromLittleEndian<quint32>(bytes.constData() + pos + 4);
+        if (bytes.mid(pos, 4) == "data")
+            return bytes.mid(pos + 8, std::min<qint64>(size, bytes.size() - pos - 8));
+        pos += 8 + qint64(size) + (size & 1);
+    }
+    return {};
+}
+
+// SMPTE frames per second, with 29 standing for the 29.97 of drop-frame
+// timing, as hundredths.
+std::int64_t smpteCentiFps(int fps) {
+    return fps == 29 ? 2997 : fps * 100;
+}
 } // namespace
 
-MidiFile::Error MidiFile::parse(const QByteArray& bytes, Info& info) {
+MidiFile::Error MidiFile::parse(const QByteArray& file, Info& info) {
+    const QByteArray bytes = unwrapRiff(file);
     const auto* data = reinterpret_cast<const unsigned char*>(bytes.constData());
     if (bytes.size() < 14 || !bytes.startsWith("MThd"))
         return Error::NotMidi;
@@ -158,7 +179,8 @@ MidiFile::Error MidiFile::parse(const QByteArray& bytes, Info& info) {
         const int ticksPerFrame = division & 0xFF;
         if (fps <= 0 || ticksPerFrame == 0)
             return Error::Corrupt;
-        const auto ms = static_cast<__int128>(info.endTick) * 1000 / (fps * ticksPerFrame);
+        const auto ms =
+            static_cast<__int128>(info.endTick) * 100000 / (smpteCentiFps(fps) * ticksPerFrame);
         info.lengthMs = ms > INT64_MAX ? INT64_MAX : static_cast<std::int64_t>(ms);
     } else {
         info.lengthMs = ticksToMs(tempos, info.endTick, division);
@@ -173,7 +195,7 @@ MidiFile::Error MidiFile::read(const QString& path, Info& info, QByteArray* byte
     const QByteArray contents = file.readAll();
     const Error error = parse(contents, info);
     if (bytes)
-        *bytes = contents;
+        *bytes = unwrapRiff(contents);
     return error;
 }
 

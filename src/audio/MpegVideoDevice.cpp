@@ -38,15 +38,18 @@ bool MpegVideoDevice::load(const QString& path, QString& detail) {
             detail = QStringLiteral("the video does not tell its length");
         return m_lengthMs >= 0;
     }
-    // A sound is decoded whole: only the decoded samples give its exact length.
-    if (!FfmpegDecoder::decodeAudio(path, m_sound, detail))
+    // A sound is measured from its packets and decoded only to be played.
+    if (!FfmpegDecoder::audioLengthMs(path, m_lengthMs, detail))
         return false;
-    m_lengthMs = m_sound.lengthMs();
+    m_path = path;
     m_hasSound = true;
     return true;
 }
 
 int MpegVideoDevice::playable(PcmSound& sound) {
+    QString why;
+    if (m_hasSound && m_sound.frames() == 0 && !FfmpegDecoder::decodeAudio(m_path, m_sound, why))
+        return fail(MciError::InvalidFile, why);
     sound = m_sound;
     return MciError::None;
 }

@@ -20,6 +20,7 @@ private:
     bool load(const QString& path, QString& detail);
 
     std::int64_t m_lengthMs = 0;
+    QString m_path;
     PcmSound m_sound;
     bool m_hasSound = false;
 };

@@ -1,26 +1,99 @@
 #include "WavTrimmer.h"
 
+#include "AppGlobals.h"
+#include "AtomicFile.h"
 #include "WavFile.h"
+
+#include <QFile>
+#include <QtEndian>
+
+namespace {
+constexpr qint64 kCopyBlock = 1 << 20;
+// What the size fields of a WAV file can count.
+constexpr qint64 kLongestData = qint64(0xFFFFFFFF) - 1024;
+
+void putU32(QByteArray& out, quint32 v) {
+    char b[4];
+    qToLittleEndian(v, b);
+    out.append(b, 4);
+}
+
+std::int64_t msToFrame(std::int64_t ms, int rate) {
+    return (ms * rate + 500) / 1000;
+}
+} // namespace
 
 QString WavTrimmer::trim(const QString& source, const QString& target, std::int64_t fromMs,
                          std::int64_t toMs) {
-    PcmSound sound;
-    if (const auto error = WavFile::read(source, sound); error != WavFile::Error::None)
-        return WavFile::errorText(error);
+    QFile in(source);
+    WavHeader header;
+    const WavHeader::Error error =
+        in.open(QIODevice::ReadOnly) ? header.read(in) : WavHeader::Error::Unreadable;
+    if (error != WavHeader::Error::None)
+        return WavHeader::errorText(error, &header);
+    // A block of ADPCM holds many frames in a state of its own: no frame can be cut out of it.
+    if (!header.hasWholeFrames())
+        return WavHeader::errorText(WavHeader::Error::Compressed, &header);
     // The whole sound is every frame it has, also the ones after its last
     // whole millisecond, and also none at all.
     if (fromMs == -1 || toMs == -1)
-        return write(target, sound);
-    if (fromMs < 0 || fromMs >= toMs || toMs > sound.lengthMs())
-        return QStringLiteral("the range %1..%2 ms does not lie within the sound's %3 ms")
-            .arg(fromMs)
-            .arg(toMs)
-            .arg(sound.lengthMs());
-    return write(target, sound.slice(sound.msToFrame(fromMs), sound.msToFrame(toMs)));
+        return copyFrames(in, header, 0, header.frames(), target);
+    if (fromMs < 0 || fromMs >= toMs || toMs > header.lengthMs())
+        return AppGlobals::text(
+            "STR_TRIM_RANGE", "the range %0..%1 ms does not lie within the sound's %2 ms",
+            {QString::number(fromMs), QString::number(toMs), QString::number(header.lengthMs())});
+    const int rate = header.sampleRate();
+    return copyFrames(in, header, msToFrame(fromMs, rate),
+                      std::min(msToFrame(toMs, rate), header.frames()), target);
 }
 
-QString WavTrimmer::write(const QString& target, const PcmSound& sound) {
-    if (!WavFile::write(target, sound))
-        return QStringLiteral("cannot write %1").arg(target);
-    return {};
+QString WavTrimmer::copyFrames(QFile& source, const WavHeader& header, std::int64_t first,
+                               std::int64_t last, const QString& target) {
+    const qint64 bytes = (last - first) * header.blockAlign();
+    if (bytes > kLongestData)
+        return AppGlobals::text("STR_WAV_TOO_LONG", "the sound is longer than a WAV file can hold");
+    AtomicFile out(target);
+    const bool written =
+        out.open(QIODevice::WriteOnly) && out.write(headerFor(header, last - first)) >= 0 &&
+        source.seek(header.dataOffset() + first * header.blockAlign()) &&
+        copyBytes(source, out, bytes) && (bytes % 2 == 0 || out.write("", 1) == 1) && out.commit();
+    if (written)
+        return {};
+    return AppGlobals::text("STR_FILE_NOT_WRITTEN", "%0 cannot be written: %1",
+                            {target, out.errorString()});
+}
+
+// Plain PCM gets the usual 44 bytes; any other layout keeps its own fmt
+// chunk, and the frame count a reader of a non-PCM WAV looks for.
+QByteArray WavTrimmer::headerFor(const WavHeader& header, std::int64_t frames) {
+    const auto dataSize = quint32(frames * header.blockAlign());
+    if (header.isPlainPcm())
+        return WavFile::header(
+            PcmFormat{header.sampleRate(), header.channels(), header.bitsPerSample()}, dataSize);
+    QByteArray fmt = header.fmtBody();
+    if (fmt.size() % 2)
+        fmt.append('\0');
+    QByteArray chunks = "fmt ";
+    putU32(chunks, quint32(header.fmtBody().size()));
+    chunks += fmt;
+    chunks += "fact";
+    putU32(chunks, 4);
+    putU32(chunks, quint32(frames));
+    chunks += "data";
+    putU32(chunks, dataSize);
+    QByteArray out = "RIFF";
+    putU32(out, quint32(4 + chunks.size() + dataSize + (dataSize & 1)));
+    return out + "WAVE" + chunks;
+}
+
+bool WavTrimmer::copyBytes(QIODevice& from, QIODevice& to, qint64 count) {
+    while (count > 0) {
+        const QByteArray block = from.read(std::min(count, kCopyBlock));
+        if (block.isEmpty())
+            return false;
+        if (to.write(block) != block.size())
+            return false;
+        count -= block.size();
+    }
+    return true;
 }

@@ -1,13 +1,17 @@
 #pragma once
 
-#include "PcmSound.h"
-
 #include <QString>
 #include <cstdint>
 
+class QFile;
+class QIODevice;
+class WavHeader;
+
 // Cuts the part between two markers out of a WAV file into a new one,
 // sample-exactly: the frames from the one nearest to A up to (not including)
-// the one nearest to B, in the source's own format.
+// the one nearest to B, in the source's own layout. The samples are copied
+// piece by piece, so a recording of hours needs no more memory than one of
+// seconds.
 class WavTrimmer {
 public:
     // -1 for A or B keeps the whole sound. Returns an empty text on success,
@@ -16,5 +20,8 @@ public:
                         std::int64_t toMs);
 
 private:
-    static QString write(const QString& target, const PcmSound& sound);
+    static QString copyFrames(QFile& source, const WavHeader& header, std::int64_t first,
+                              std::int64_t last, const QString& target);
+    static QByteArray headerFor(const WavHeader& header, std::int64_t frames);
+    static bool copyBytes(QIODevice& from, QIODevice& to, qint64 count);
 };

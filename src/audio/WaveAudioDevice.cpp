@@ -1,5 +1,6 @@
 #include "WaveAudioDevice.h"
 
+#include "FfmpegDecoder.h"
 #include "MciError.h"
 #include "MciOptions.h"
 #include "WavFile.h"
@@ -44,26 +45,49 @@ int WaveAudioDevice::open(const QString& path, AudioBackend& backend,
         detail = path;
         return MciError::FileNotFound;
     }
-    PcmSound sound;
-    const WavFile::Error error = WavFile::read(path, sound);
-    detail = WavFile::errorText(error);
-    switch (error) {
-    case WavFile::Error::None:
-        break;
-    case WavFile::Error::Unreadable:
+    WavHeader header;
+    const WavHeader::Error error = header.read(path);
+    detail = WavHeader::errorText(error, &header);
+    if (error == WavHeader::Error::Unreadable)
         return MciError::FileRead;
-    case WavFile::Error::Compressed:
-        return MciError::CompressedWave;
-    default:
+    if (error != WavHeader::Error::None)
         return MciError::InvalidFile;
-    }
     auto wave = std::make_unique<WaveAudioDevice>(backend);
-    wave->m_sound = std::move(sound);
+    wave->m_file = header;
+    wave->m_path = path;
+    // A recording over the file keeps its format, as it did when the file was read whole.
+    if (header.isPlainPcm())
+        wave->m_sound =
+            PcmSound(PcmFormat{header.sampleRate(), header.channels(), header.bitsPerSample()}, {});
     device = std::move(wave);
     return MciError::None;
 }
 
+std::int64_t WaveAudioDevice::lengthMs() const {
+    return m_file ? m_file->lengthMs() : m_sound.lengthMs();
+}
+
+// Plain PCM is read as it is; any other coding is decoded to 16 bits.
+int WaveAudioDevice::load() {
+    if (!m_file)
+        return MciError::None;
+    PcmSound sound;
+    QString why;
+    if (m_file->isPlainPcm()) {
+        if (const auto error = WavFile::read(m_path, sound); error != WavFile::Error::None)
+            return fail(MciError::FileRead, WavFile::errorText(error));
+    } else if (!FfmpegDecoder::decodeAudio(m_path, sound, why)) {
+        return fail(MciError::CompressedWave,
+                    WavHeader::errorText(WavHeader::Error::Compressed, &*m_file) + ": " + why);
+    }
+    m_sound = std::move(sound);
+    m_file.reset();
+    return MciError::None;
+}
+
 int WaveAudioDevice::playable(PcmSound& sound) {
+    if (const int error = load(); error != MciError::None)
+        return error;
     sound = m_sound;
     return MciError::None;
 }
@@ -75,6 +99,7 @@ int WaveAudioDevice::record(std::optional<std::int64_t> toMs) {
     m_capture = m_backend.record(m_sound.format(), limit);
     if (!m_capture)
         return fail(MciError::InputsUnsuitable, m_backend.name());
+    m_file.reset();
     m_sound = PcmSound(m_sound.format(), {});
     m_positionMs = 0;
     m_mode = Mode::Recording;
@@ -97,6 +122,8 @@ int WaveAudioDevice::save(const QString& path) {
         return MciError::DeviceNotReady;
     if (path.isEmpty())
         return MciError::FilenameRequired;
+    if (const int error = load(); error != MciError::None)
+        return error;
     if (!WavFile::write(path, m_sound))
         return fail(MciError::FileNotSaved, path);
     return MciError::None;
@@ -119,7 +146,7 @@ int WaveAudioDevice::set(const MciOptions& options) {
 // uncompressed PCM requires.
 int WaveAudioDevice::applyFormat(const MciOptions& options) {
     update();
-    if (m_mode != Mode::Stopped || m_sound.frames() > 0)
+    if (m_mode != Mode::Stopped || lengthMs() > 0 || m_sound.frames() > 0)
         return MciError::NonapplicableFunction;
     int error = MciError::None;
     const PcmFormat old = m_sound.format();
@@ -142,21 +169,32 @@ int WaveAudioDevice::applyFormat(const MciOptions& options) {
 
 int WaveAudioDevice::status(const QString& item, QString& reply) {
     update();
-    const PcmFormat& format = m_sound.format();
-    if (item == QLatin1String("samplespersec"))
-        reply = QString::number(format.sampleRate);
-    else if (item == QLatin1String("bitspersample"))
-        reply = QString::number(format.bitsPerSample);
-    else if (item == QLatin1String("channels"))
-        reply = QString::number(format.channels);
-    else if (item == QLatin1String("bytespersec"))
-        reply = QString::number(format.bytesPerSecond());
-    else if (item == QLatin1String("alignment"))
-        reply = QString::number(format.bytesPerFrame());
-    else if (item == QLatin1String("level"))
-        reply = QString::number(
-            m_mode == Mode::Recording && m_capture ? peakLevel(m_capture->captured(), format) : 0);
-    else
+    if (item == QLatin1String("level")) {
+        reply = QString::number(m_mode == Mode::Recording && m_capture
+                                    ? peakLevel(m_capture->captured(), m_sound.format())
+                                    : 0);
+        return MciError::None;
+    }
+    if (!kFormatKeywords.contains(item))
         return MciDevice::status(item, reply);
+    formatStatus(item, reply);
     return MciError::None;
+}
+
+// A file not yet read tells its own layout, whatever its coding.
+void WaveAudioDevice::formatStatus(const QString& item, QString& reply) const {
+    const PcmFormat& format = m_sound.format();
+    const bool file = m_file.has_value();
+    std::int64_t value = 0;
+    if (item == QLatin1String("samplespersec"))
+        value = file ? m_file->sampleRate() : format.sampleRate;
+    else if (item == QLatin1String("bitspersample"))
+        value = file ? m_file->bitsPerSample() : format.bitsPerSample;
+    else if (item == QLatin1String("channels"))
+        value = file ? m_file->channels() : format.channels;
+    else if (item == QLatin1String("bytespersec"))
+        value = file ? m_file->bytesPerSecond() : format.bytesPerSecond();
+    else
+        value = file ? m_file->blockAlign() : format.bytesPerFrame();
+    reply = QString::number(value);
 }

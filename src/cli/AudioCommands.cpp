@@ -15,9 +15,12 @@ int convert(const QStringList& arguments, int (*converter)(const QString&, const
     if (arguments.size() != 2)
         return CliOutput::usageError(usage);
     const int result = converter(arguments[0], arguments[1]);
+    // A target that cannot be written is named in the text itself.
+    const QString subject =
+        result == AmrConverter::TargetUnwritable ? QString() : arguments[0] + ": ";
     if (result != AmrConverter::Ok)
-        return CliOutput::error(QStringLiteral("%1: %2 (%3)")
-                                    .arg(arguments[0], AmrConverter::errorText(result))
+        return CliOutput::error(QStringLiteral("%1%2 (%3)")
+                                    .arg(subject, AmrConverter::errorText(result, arguments[1]))
                                     .arg(result));
     return 0;
 }

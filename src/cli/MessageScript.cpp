@@ -1,8 +1,10 @@
 #include "MessageScript.h"
 
 #include "AppError.h"
+#include "AppGlobals.h"
 #include "CliOutput.h"
 #include "PictureFile.h"
+#include "SoundIntake.h"
 #include "StoredColor.h"
 #include "clsMMSManager.h"
 
@@ -116,11 +118,11 @@ bool MessageScript::takeColor(qint64& color) {
 }
 
 QString MessageScript::bringIn(const QString& prefix, const QString& file) {
-    if (!QFileInfo(file).isFile()) {
-        fail("cannot read " + file);
-        return QString();
-    }
-    return m_manager.GetUniqueFileName(prefix, file);
+    return readable(file) ? m_manager.GetUniqueFileName(prefix, file) : QString();
+}
+
+bool MessageScript::readable(const QString& file) {
+    return QFileInfo(file).isFile() || fail("cannot read " + file);
 }
 
 bool MessageScript::copyIn(const QString& file, const QString& name) {
@@ -213,13 +215,24 @@ bool MessageScript::addText() {
 bool MessageScript::sound() {
     clsSlide* current = slide();
     const QString file = take();
-    const QString name = current ? bringIn("A", file) : QString();
-    if (name.isEmpty() || !copyIn(file, name))
+    if (!current || !readable(file))
         return false;
-    const qint64 length = m_manager.soundLength(m_manager.GetWorkFolderPath() + name);
+    SoundIntake intake(m_manager);
+    SoundIntake::Info info = SoundIntake::measure(file);
+    QString why;
+    const QString name = intake.bringIn(file, info, &why);
+    if (name.isEmpty())
+        return fail("cannot copy " + file + " into the message: " + why);
+    // Where the window would ask, a script goes on and says so.
+    if (!SoundIntake::understood(info))
+        CliOutput::warning(AppGlobals::text(
+            "STR_SOUND_UNKNOWN_ADDED",
+            "%0: the kind or length of this sound cannot be told; it was added all the same",
+            {file}));
+    const qint64 length = intake.lengthOf(name, info);
     current->setSound(name);
     current->setSoundName(QFileInfo(file).completeBaseName());
-    current->setSoundDuration(length);
+    current->setSoundDuration(std::max<qint64>(length, 0));
     // As in the window: a sound sets the slide's time unless the script gave one.
     if (!m_slideHasDuration && length > 0)
         current->setDuration(length);

@@ -38,6 +38,7 @@ private:
     bool takeRect(QRect& rect);
     bool takeColor(qint64& color);
     QString bringIn(const QString& prefix, const QString& file);
+    bool readable(const QString& file);
     bool decodable(const QString& file);
     bool copyIn(const QString& file, const QString& name);
 

@@ -136,7 +136,7 @@ bool MessageFitter::soundToAmr(const QString& source, const QString& target, qin
     }
     const int result = AmrConverter::wav2amr(wav, target);
     if (result != AmrConverter::Ok) {
-        why = AmrConverter::errorText(result);
+        why = AmrConverter::errorText(result, target);
         return false;
     }
     lengthMs = narrow.lengthMs();

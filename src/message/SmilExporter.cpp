@@ -10,21 +10,10 @@
 #include "PlainFileName.h"
 #include "SlideRenderer.h"
 #include "SmilDocument.h"
+#include "SoundIntake.h"
 #include "VbFormat.h"
 #include "clsMessage.h"
 #include "clsPropertiesXML.h"
-#include "modPlaySound.h"
-
-namespace {
-// The program's own recordings are 8000 Hz 16-bit WAV; those are what AMR holds.
-bool convertsToAmr(const QString& path) {
-    if (AppGlobals::setting("preferences", "ConvertWavToAmr", "1") != QLatin1String("1"))
-        return false;
-    const QStringList info = modPlaySound::GetSoundInfo(path).split(QLatin1Char(';'));
-    return info.value(0) == QLatin1String("WAV") && info.value(2) == QLatin1String("8000") &&
-           info.value(3) == QLatin1String("16");
-}
-} // namespace
 
 SmilExporter::SmilExporter(QString folder, QString baseName, bool templateFlavour,
                            int durationFormat)
@@ -127,14 +116,14 @@ bool SmilExporter::exportSound(const clsSlide& slide, const QString& workFolder,
     const QString source = PlainFileName::existingFile(workFolder, slide.Sound(), &why);
     if (source.isEmpty())
         return fail("STR_ERROR_AUDIO_CONV", "The sound cannot be converted.", why);
-    const bool convert = convertsToAmr(source);
+    const bool convert = SoundIntake::convertsToAmr(source);
     const QString name =
         fileName(slide.index(), convert ? ".amr" : AppPaths::extensionOf(slide.Sound()));
     if (convert) {
         const int result = AmrConverter::wav2amr(source, m_folder + name);
         if (result != AmrConverter::Ok)
             return fail("STR_ERROR_AUDIO_CONV", "The sound cannot be converted.",
-                        AmrConverter::errorText(result));
+                        AmrConverter::errorText(result, m_folder + name));
     } else if (!PlainFileName::copy(workFolder, slide.Sound(), m_folder + name, &why)) {
         return fail("STR_ERROR_AUDIO_CONV", "The sound cannot be converted.", why);
     }

@@ -28,7 +28,7 @@ QString SlideSoundPlayer::playableCopy(const QString& path, QString* why) {
     const int result = AmrConverter::amr2wav(path, copy);
     if (result == 0)
         return copy;
-    *why = AmrConverter::errorText(result);
+    *why = AmrConverter::errorText(result, copy);
     return QString();
 }
 

@@ -55,6 +55,32 @@ TEST_F(MidiFileTest, DefaultTempoSmpteTimingAndForeignChunks) {
     EXPECT_EQ(info.lengthMs, 500);
 }
 
+TEST_F(MidiFileTest, DropFrameTimingAndRiffWrappedFilesMeasureRight) {
+    MidiFile::Info info;
+    // 29.97 frames per second (-29 in the header), 100 ticks per frame: 5994
+    // ticks are 2000 ms, where reading -29 as 29 frames would give 2066 ms.
+    const QByteArray note("\x00\x90\x40\x40\xAE\x6A\x80\x40\x00", 9); // 5994 ticks
+    ASSERT_EQ(MidiFile::parse(smf(0, {note + kEnd}, quint16(0xE364)), info), MidiFile::Error::None);
+    EXPECT_EQ(info.lengthMs, 2000);
+
+    // A RIFF MIDI file (little-endian sizes) holding the standard file in its data chunk.
+    const QByteArray standard = readBytes(dataFile("tempo_change.mid"));
+    auto riffChunk = [](const char* id, const QByteArray& body) {
+        QByteArray out(id, 4);
+        const auto n = quint32(body.size());
+        out.append(char(n)).append(char(n >> 8)).append(char(n >> 16)).append(char(n >> 24));
+        return out + body + (body.size() % 2 ? QByteArray(1, '\0') : QByteArray());
+    };
+    const QByteArray rmid =
+        riffChunk("RIFF", "RMID" + riffChunk("data", standard) + riffChunk("LIST", "INFOjunk"));
+    writeBytes(path("song.rmi"), rmid);
+    QByteArray played;
+    ASSERT_EQ(MidiFile::read(path("song.rmi"), info, &played), MidiFile::Error::None);
+    EXPECT_EQ(info.lengthMs, 1750);
+    EXPECT_EQ(played, standard); // the synthesizer gets the standard file
+    EXPECT_EQ(MidiFile::parse(rmid.left(20), info), MidiFile::Error::NotMidi);
+}
+
 TEST_F(MidiFileTest, BrokenFilesAreRefused) {
     MidiFile::Info info;
     const QByteArray good = readBytes(dataFile("tempo_change.mid"));

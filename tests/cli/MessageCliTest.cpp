@@ -44,8 +44,9 @@ protected:
         out.writeRawData("RIFF", 4);
         out << quint32(36 + dataSize);
         out.writeRawData("WAVEfmt ", 8);
-        out << quint32(16) << quint16(1) << quint16(1) << quint32(8000) << quint32(16000)
-            << quint16(2) << quint16(16);
+        // Stereo, so that it is copied as it is rather than made into AMR.
+        out << quint32(16) << quint16(1) << quint16(2) << quint32(4000) << quint32(16000)
+            << quint16(4) << quint16(16);
         out.writeRawData("data", 4);
         out << dataSize;
         wav.append(QByteArray(dataSize, '\0'));
