@@ -17,6 +17,8 @@ public:
 
     clsMMSManager& manager() { return m_manager; }
     void useWorkFolder(const QString& folder);
+    // A folder of the session's own for what it makes; "" when it cannot be made.
+    QString scratchFolder(const QString& name) const { return m_temp.subFolder(name); }
     // Opens a message file; prints why and returns nullptr when it cannot.
     clsMessage* open(const QString& file);
     // A renderer at the given surface size (the settings' size when empty).

@@ -1,8 +1,12 @@
 #include "SendCommand.h"
 
 #include "AppError.h"
+#include "AppGlobals.h"
 #include "CliOutput.h"
-#include "SettingsBootstrap.h"
+#include "CliSession.h"
+#include "MmsImporter.h"
+#include "ObexTarget.h"
+#include "PhoneFormat.h"
 #include "TransferOptions.h"
 #include "clsMMSCommunication.h"
 #include "clsPropertiesXML.h"
@@ -49,10 +53,36 @@ std::optional<SendRequest> parse(const QStringList& arguments) {
     return request;
 }
 
-int send(const SendRequest& request, clsPropertiesXML& settings) {
+// What goes to the phone for the file: a message of the program's own goes
+// as the package or template the phone reads, made in the session's private
+// folder; any other file, a received binary message among them, as it is.
+QString fileToSend(const QString& file, const clsMMSCommunication& connection,
+                   CliSession& session) {
+    const bool ownMessage = QFileInfo(file).suffix().compare("mms", Qt::CaseInsensitive) == 0 &&
+                            !MmsImporter::isBinaryMms(file);
+    if (!ownMessage)
+        return QFileInfo(file).absoluteFilePath();
+    clsMessage* message = session.open(file);
+    const QString folder = session.scratchFolder(QStringLiteral("send"));
+    if (!message || folder.isEmpty())
+        return QString();
+    const QString made = PhoneFormat::make(
+        session.manager(), *message, PhoneFormat::wantsPackage(connection.deviceId()), folder);
+    if (made.isEmpty())
+        CliOutput::error("send: " + session.manager().GetExportImportStatus());
+    return made;
+}
+
+int send(const SendRequest& request, clsPropertiesXML& settings, CliSession& session) {
     TransferOptions options = TransferOptions::fromSettings(&settings);
-    if (request.target)
+    if (request.target) {
+        // A target given here is checked here, not taken for a missing connection kind.
+        if (const ObexTarget target = ObexTarget::parse(*request.target); !target.isValid()) {
+            CliOutput::error("send: " + target.error);
+            return clsMMSCommunication::kFailed;
+        }
         options.obexTarget = *request.target;
+    }
     const int kind = request.kind.value_or(
         request.target ? 2 : settings.GetProp("preferences", "CommunicationType", "1").toInt());
 
@@ -64,7 +94,10 @@ int send(const SendRequest& request, clsPropertiesXML& settings) {
     connection.waitForConnectionKnown(qMax(options.connectTimeoutMs, options.suiteTimeoutMs) +
                                       1000);
 
-    const int code = connection.SendFile(QFileInfo(request.file).absoluteFilePath());
+    const QString file = fileToSend(request.file, connection, session);
+    if (file.isEmpty())
+        return clsMMSCommunication::kFailed;
+    const int code = connection.SendFile(file);
     QString line = QStringLiteral("%1 %2").arg(code).arg(SendCommand::meaning(code));
     if (code == clsMMSCommunication::kFailed && !connection.lastFailure().isEmpty())
         line += ": " + connection.lastFailure();
@@ -80,8 +113,8 @@ int SendCommand::run(const QStringList& arguments) {
     if (!request)
         return CliOutput::usageError(usage());
     try {
-        auto settings = SettingsBootstrap::openAndPrepare();
-        return send(*request, *settings);
+        CliSession session;
+        return send(*request, *AppGlobals::settings(), session);
     } catch (const AppError& error) {
         return CliOutput::error("send: " + error.description());
     }

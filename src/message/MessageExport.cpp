@@ -62,6 +62,8 @@ int MessageExport::run(clsMessage& message, Kind kind, int durationFormat, const
         return clsMMSManager::ExportExists;
     }
     const QString folder = target.absolutePath() + u'/';
+    if (!folderUsable(kind, target.absolutePath()))
+        return clsMMSManager::ExportFailed;
     QTemporaryDir stage(folder + QStringLiteral(".vellumo-export-XXXXXX"));
     if (!stage.isValid()) {
         fail(AppGlobals::text(
@@ -98,6 +100,28 @@ int MessageExport::build(clsMessage& message, Kind kind, int durationFormat, con
         return clsMMSManager::ExportOk;
     fail(m_manager.saveAsMmsStatus());
     return m_manager.saveAsMmsCode();
+}
+
+// The program reads a backslash in a path as a folder separator, the tar
+// and package command lines have no way to carry a double quote, and the
+// package definition is read line by line: a folder whose name holds one of
+// these is refused before anything is made, rather than failing halfway.
+bool MessageExport::folderUsable(Kind kind, const QString& folder) {
+    QString held;
+    const bool commandLine = kind == Template || kind == Package;
+    if (folder.contains(u'\\'))
+        held = AppGlobals::text("STR_NAME_BACKSLASH", "a backslash (\\)");
+    else if (commandLine && folder.contains(u'"'))
+        held = AppGlobals::text("STR_NAME_QUOTE", "a double quote (\")");
+    else if (kind == Package && (folder.contains(u'\n') || folder.contains(u'\r')))
+        held = AppGlobals::text("STR_NAME_LINE_BREAK", "a line break");
+    if (held.isEmpty())
+        return true;
+    return fail(AppGlobals::text(
+        "STR_EXPORT_FOLDER_NAME",
+        "Nothing can be exported into the folder %0: its name holds %1, which cannot be "
+        "passed on for this kind of export. Please choose another folder.",
+        {folder, held}));
 }
 
 // The package definition names where its files lie: where they will lie.

@@ -38,6 +38,7 @@ public:
 private:
     int build(clsMessage& message, Kind kind, int durationFormat, const QString& stage,
               const QString& smilName);
+    bool folderUsable(Kind kind, const QString& folder);
     bool placeDefinition(const clsMessage& message, const QString& stage, const QString& folder);
     bool commit(const QString& stage, const QString& made, const QString& output, Keep keep);
     bool notWritten(const QString& path, const QString& why);

@@ -36,6 +36,10 @@ constexpr quint8 typeSendRequest = 0x00;        // m-send-req
 constexpr quint8 typeRetrieveConfirm = 0x04;    // m-retrieve-conf
 constexpr quint8 mmsVersion12 = (1 << 4) | 2;   // major in the high bits: 1.2
 constexpr char insertAddressToken = char(0x81); // the sender's address is filled in on the way
+constexpr char addressPresentToken = char(0x80);
+// Who a message made here as received says it is from: no phone number is
+// known, so the program on this computer, in the form of a mail address.
+const QString retrievedSender = QStringLiteral("vellumo@localhost");
 constexpr quint8 classPersonal = 0x00;
 constexpr quint8 multipartRelated = 0x33;
 constexpr quint8 charsetUtf8 = 106;
@@ -204,7 +208,11 @@ QByteArray MmsPacker::messageHeaders(const QString& messageName, const Part& sta
         headers += fieldMessageId + textString("M" + stamp.toLatin1());
     headers += fieldDate +
                longInteger(quint64(qMax<qint64>(0, Clock::instance().now().toSecsSinceEpoch())));
-    headers += fieldFrom + withValueLength(QByteArray(1, insertAddressToken));
+    // Only a message on its way to the relay leaves its sender to be filled in;
+    // one that arrived says who sent it.
+    headers += fieldFrom +
+               withValueLength(retrieved ? addressPresentToken + encodedStringValue(retrievedSender)
+                                         : QByteArray(1, insertAddressToken));
     headers += fieldSubject + encodedStringValue(messageName);
     headers += fieldMessageClass + shortInteger(classPersonal);
     // Content-Type must come last: the body follows it directly.

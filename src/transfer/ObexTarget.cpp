@@ -15,12 +15,19 @@ ObexTarget parseTcp(const QString& text, const QString& rest) {
     if (colon < 0)
         return invalid(text, QStringLiteral("expected tcp:HOST:PORT"));
     QString host = rest.left(colon);
-    if (host.startsWith('[') && host.endsWith(']'))
+    const bool bracketed = host.startsWith('[') && host.endsWith(']');
+    if (bracketed)
         host = host.mid(1, host.size() - 2);
     bool ok = false;
     const uint port = rest.mid(colon + 1).toUInt(&ok);
     if (host.isEmpty() || host.contains(QRegularExpression("\\s")))
         return invalid(text, QStringLiteral("missing or broken host"));
+    // A colon in the host is an IPv6 address only in brackets; otherwise
+    // something follows the port.
+    if (!bracketed && host.contains(':'))
+        return invalid(text, QStringLiteral("\"%1\" is no port number; expected tcp:HOST:PORT "
+                                            "(an IPv6 host goes in brackets: tcp:[::1]:650)")
+                                 .arg(rest.mid(host.indexOf(':') + 1)));
     if (!ok || port == 0 || port > 65535)
         return invalid(text, QStringLiteral("the port must be 1 to 65535"));
     ObexTarget target;

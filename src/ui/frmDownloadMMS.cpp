@@ -1,6 +1,7 @@
 #include "frmDownloadMMS.h"
 
 #include "AppGlobals.h"
+#include "PhoneFormat.h"
 #include "clsMMSCommunication.h"
 #include "clsMMSManager.h"
 #include "clsMessage.h"
@@ -12,9 +13,6 @@ namespace {
 QString text(const char* key, const char* fallback) {
     return AppGlobals::text(key, fallback);
 }
-
-// The phone-suite model code: a device calling itself by it and more is it.
-const QString kSuiteModel = QStringLiteral("ZENTOR");
 } // namespace
 
 frmDownloadMMS::frmDownloadMMS(clsMMSCommunication& connection, QWidget* parent)
@@ -42,21 +40,11 @@ void frmDownloadMMS::showEvent(QShowEvent* event) {
     QTimer::singleShot(0, this, &frmDownloadMMS::DownloadMMS);
 }
 
-bool frmDownloadMMS::wantsPackage(const QString& device, const QString& packageDevices) {
-    QString name = device.toUpper();
-    if (name.startsWith(kSuiteModel) && name.size() > kSuiteModel.size())
-        name = kSuiteModel;
-    return !name.isEmpty() && packageDevices.toUpper().contains(name);
-}
-
 void frmDownloadMMS::DownloadMMS() {
     if (!m_manager || !m_message)
         return SetStatusTxt(text("STR_NO_MSG_DOWNLOAD", "Nothing has been sent."));
     setWorking(true);
-    const bool package =
-        wantsPackage(connection().deviceId(),
-                     AppGlobals::setting("preferences", "SisDownloadDeviceId", "Zentor"));
-    const QString file = pack(package);
+    const QString file = pack(PhoneFormat::wantsPackage(connection().deviceId()));
     if (file.isEmpty()) {
         SetStatusTxt(QString());
         setError(m_manager->GetExportImportStatus() + QStringLiteral("\n\n") +
@@ -79,13 +67,11 @@ QString frmDownloadMMS::pack(bool package) {
         return QString();
     const auto connection = connect(m_manager, &clsMMSManager::ProsessingSlide, this,
                                     &frmDownloadMMS::mMmsManager_ProsessingSlide);
-    const int kind = package ? clsMMSManager::ExportPackage : clsMMSManager::ExportTemplate;
-    const int result = m_manager->ExportMMS(*m_message, kind, 0, folder + "mms.smil", true);
+    const QString made = PhoneFormat::make(*m_manager, *m_message, package, folder);
     disconnect(connection);
-    if (result != clsMMSManager::ExportOk)
-        return QString();
-    SetStatusTxt(text("STR_READY", "Ready"));
-    return folder + (package ? QStringLiteral("mms.SIS") : QStringLiteral("mms.tpl"));
+    if (!made.isEmpty())
+        SetStatusTxt(text("STR_READY", "Ready"));
+    return made;
 }
 
 void frmDownloadMMS::mMmsManager_ProsessingSlide(int slide, int count) {

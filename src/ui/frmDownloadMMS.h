@@ -19,10 +19,6 @@ public:
     void TranslateForm() override;
     // The whole send: pack, choose, send, tell.
     void DownloadMMS();
-    // Whether a phone that calls itself device gets the installation package:
-    // when the device text lies within the devices the settings name (any
-    // case; a phone-suite model followed by its number counts as the model).
-    static bool wantsPackage(const QString& device, const QString& packageDevices);
 
 protected:
     void showEvent(QShowEvent* event) override;

@@ -380,3 +380,46 @@ TEST_F(HostileInputTest, KilledCommandsLeaveNoUnpackedCopy) {
     ASSERT_EQ(cli({"settings", "get", "preferences", "Language"}).code, 0);
     EXPECT_EQ(leftovers(), QStringList()) << "the next start sweeps it up";
 }
+
+TEST_F(HostileInputTest, ExportFoldersWithOddNamesWorkOrAreRefusedForTheirName) {
+    ASSERT_EQ(cli({"new", "m.mms", "--slide", "2000", "--background",
+                   archive("Backgrounds/beach.jpg"), "--slide-text", "hi"})
+                  .code,
+              0);
+    struct Case {
+        QString folder;
+        QStringList refused; // the kinds refused for the name, the rest must work
+        QString reason;
+    };
+    const QList<Case> cases{
+        {"q\"uote", {"tpl", "sis"}, "double quote"},
+        {"new\nline", {"sis"}, "line break"},
+        {"back\\slash", {"smil", "tpl", "sis", "wap"}, "backslash"},
+    };
+    for (const Case& c : cases) {
+        for (const QString kind : {"smil", "tpl", "sis", "wap"}) {
+            const QString folder = path(kind + "-" + c.folder);
+            ASSERT_TRUE(QDir().mkpath(folder));
+            const Result done =
+                cli({"export", "m.mms", "--kind", kind, "--format", "ms", folder + "/card.smil"});
+            const QStringList left =
+                QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+            if (c.refused.contains(kind)) {
+                EXPECT_EQ(done.code, 1) << kind.toStdString() << c.reason.toStdString();
+                EXPECT_TRUE(done.err.contains(folder) && done.err.contains(c.reason))
+                    << done.err.toStdString();
+                EXPECT_EQ(left, QStringList()) << kind.toStdString();
+                continue;
+            }
+            ASSERT_EQ(done.code, 0) << kind.toStdString() << ": " << done.err.toStdString();
+            EXPECT_FALSE(left.filter(".vellumo-export").size()) << left.join(' ').toStdString();
+            if (kind == "tpl") {
+                // What was made is a real template: GNU tar finds its texts index.
+                QProcess tar;
+                tar.start("tar", {"tf", folder + "/mms.tpl"});
+                ASSERT_TRUE(tar.waitForFinished(30000));
+                EXPECT_TRUE(tar.readAllStandardOutput().contains("texts.xml"));
+            }
+        }
+    }
+}

@@ -90,6 +90,7 @@ struct DecodedMessage {
     QByteArray messageId;
     std::optional<quint64> date;
     bool fromInsertAddress = false;
+    QByteArray fromAddress;
     bool subjectUtf8 = false;
     QString subject;
     int messageClass = -1;
@@ -295,7 +296,10 @@ void decodeField(quint8 field, StrictReader& in, DecodedMessage* message) {
         break;
     case 0x89: {
         StrictReader value = in.sub(in.valueLength());
-        message->fromInsertAddress = value.byte() == 0x81;
+        const quint8 token = value.byte();
+        message->fromInsertAddress = token == 0x81;
+        if (token == 0x80)
+            message->fromAddress = value.textString();
         value.expectEnd("From");
         break;
     }
@@ -638,11 +642,15 @@ TEST_F(MmsPackerTest, RetrieveConfirmationCarriesDateAndMessageId) {
               (QList<quint8>{0x8C, 0x98, 0x8D, 0x8B, 0x85, 0x89, 0x96, 0x8A, 0x84}));
     EXPECT_FALSE(message.messageId.isEmpty());
     EXPECT_EQ(message.parts.size(), 4);
+    // A received message names its sender; only one being sent leaves it to the relay.
+    EXPECT_FALSE(message.fromInsertAddress);
+    EXPECT_EQ(message.fromAddress, "vellumo@localhost");
 
     const QString view = tsharkView();
     EXPECT_TRUE(hasNoDissectorComplaint(view)) << mmsLayer(view);
     for (const QString& line : {QStringLiteral("MMS Message Encapsulation, Type: m-retrieve-conf"),
                                 "Message-Id: " + QString::fromLatin1(message.messageId),
+                                QStringLiteral("From: vellumo@localhost"),
                                 QStringLiteral("Part: 4, content-type: audio/amr")})
         EXPECT_TRUE(view.contains(line)) << line.toStdString() << mmsLayer(view);
 }

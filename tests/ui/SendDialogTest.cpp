@@ -3,6 +3,7 @@
 #include "MainWindowFixture.h"
 #include "MessageDocument.h"
 #include "PhoneConnection.h"
+#include "PhoneFormat.h"
 #include "ProgramRun.h"
 #include "TransferOptions.h"
 #include "TransferTestSupport.h"
@@ -82,11 +83,11 @@ protected:
 };
 
 TEST_F(SendDialogTest, APhoneThatInstallsPackagesGetsThePackageAndAnyOtherTheTemplate) {
-    EXPECT_TRUE(frmDownloadMMS::wantsPackage("zentor7610", "Zentor"));
-    EXPECT_TRUE(frmDownloadMMS::wantsPackage("ZenTor-X", "Zentor"));
-    EXPECT_TRUE(frmDownloadMMS::wantsPackage("N95", "Zentor;N95"));
-    EXPECT_FALSE(frmDownloadMMS::wantsPackage("other", "Zentor"));
-    EXPECT_FALSE(frmDownloadMMS::wantsPackage("", "Zentor")) << "no device, no package";
+    EXPECT_TRUE(PhoneFormat::wantsPackage("zentor7610", "Zentor"));
+    EXPECT_TRUE(PhoneFormat::wantsPackage("ZenTor-X", "Zentor"));
+    EXPECT_TRUE(PhoneFormat::wantsPackage("N95", "Zentor;N95"));
+    EXPECT_FALSE(PhoneFormat::wantsPackage("other", "Zentor"));
+    EXPECT_FALSE(PhoneFormat::wantsPackage("", "Zentor")) << "no device, no package";
 
     twoSlides();
     const QString package = sendMessageTo("zentor7610");
