@@ -8,6 +8,7 @@
 #include <QFont>
 #include <QLibraryInfo>
 #include <QObject>
+#include <QRegularExpression>
 #include <QVariant>
 #include <array>
 #include <pugixml.hpp>
@@ -109,10 +110,10 @@ bool clsXMLocalizer::SetLanguage(const QString& code) {
     QString language = code;
     if (entry.split(QLatin1Char(',')).value(1) == QLatin1String("0"))
         language = QStringLiteral("en-us");
-    // A missing or broken file must not leave the program without texts.
+    // A missing or broken file must not leave the program without texts:
+    // what it lacks comes from the English one.
     m_loadError.clear();
-    if (!loadLanguageFile(m_langPath + language + ".xml") && language != QLatin1String("en-us"))
-        loadLanguageFile(m_langPath + "en-us.xml");
+    loadLanguageFile(m_langPath + language + ".xml");
     m_language = language;
     useQtTexts(language);
     return true;
@@ -136,37 +137,117 @@ bool clsXMLocalizer::IsLanguageInstalled(const QString& code) const {
     return entry != QLatin1String("<no>") && entry.split(QLatin1Char(',')).value(1) != "0";
 }
 
-bool clsXMLocalizer::loadLanguageFile(const QString& fileName) {
+// Reads both tables of one file; false with why when it is no language file.
+bool clsXMLocalizer::readTables(const QString& fileName, Tables& tables, QString& why) {
     pugi::xml_document document;
     const pugi::xml_parse_result result = document.load_file(
         fileName.toLocal8Bit().constData(), pugi::parse_default, pugi::encoding_utf8);
-    m_strings.clear();
-    m_translations.clear();
-    if (!result) {
-        m_loadError = fileName + ": " + text(result.description());
+    const pugi::xml_node root = document.child("langtab");
+    if (!result || !root) {
+        why = fileName + ": " +
+              (result ? QStringLiteral("no langtab element") : text(result.description()));
         return false;
     }
-    m_langFileName = fileName;
-    const pugi::xml_node root = document.child("langtab");
     for (pugi::xml_node string : root.child("strings").children("string"))
-        m_strings.insert(text(string.attribute("name").value()),
-                         text(string.child("text").text().get()));
+        tables.strings.insert(text(string.attribute("name").value()),
+                              text(string.child("text").text().get()));
     for (pugi::xml_node form : root.child("forms").children("form")) {
         const QString formName = text(form.attribute("name").value());
-        m_translations.insert(formName + "_caption", text(form.attribute("caption").value()));
+        tables.translations.insert(formName + "_caption", text(form.attribute("caption").value()));
         for (pugi::xml_node control : form.children()) {
             for (pugi::xml_node element : control.children()) {
                 const QString elementName = text(element.name());
                 if (elementName != QLatin1String("caption") && elementName != QLatin1String("text"))
                     continue;
-                m_translations.insert(controlKey(formName, text(control.attribute("name").value()),
-                                                 text(control.attribute("index").value()),
-                                                 elementName),
-                                      text(element.text().get()));
+                tables.translations.insert(
+                    controlKey(formName, text(control.attribute("name").value()),
+                               text(control.attribute("index").value()), elementName),
+                    text(element.text().get()));
             }
         }
     }
     return true;
+}
+
+bool clsXMLocalizer::loadLanguageFile(const QString& fileName) {
+    Tables tables;
+    QString why;
+    const bool read = readTables(fileName, tables, why);
+    if (!read)
+        m_loadError = why;
+    else
+        m_langFileName = fileName;
+    const QString english = m_langPath + "en-us.xml";
+    Tables base;
+    QString baseWhy;
+    if (fileName != english && readTables(english, base, baseWhy)) {
+        QStringList lacking;
+        QStringList broken;
+        completeFrom(base.strings, tables.strings, lacking, broken);
+        completeFrom(base.translations, tables.translations, lacking, broken);
+        if (read)
+            reportGaps(fileName, lacking, broken);
+        else
+            m_langFileName = english;
+    }
+    m_strings = std::move(tables.strings);
+    m_translations = std::move(tables.translations);
+    return read;
+}
+
+// The %0, %1 ... and %n a text takes, which every translation must take alike.
+QStringList clsXMLocalizer::parametersOf(const QString& text) {
+    static const QRegularExpression parameter(QStringLiteral("%(\\d+|n)"));
+    QStringList found;
+    for (const QRegularExpressionMatch& match : parameter.globalMatch(text))
+        found << match.captured();
+    found.removeDuplicates();
+    found.sort();
+    return found;
+}
+
+// What a translation lacks, or takes other parameters in, is taken from the
+// English texts, so a message never loses the name or number it is about.
+void clsXMLocalizer::completeFrom(const QHash<QString, QString>& english,
+                                  QHash<QString, QString>& translated, QStringList& lacking,
+                                  QStringList& broken) {
+    for (auto it = english.cbegin(); it != english.cend(); ++it) {
+        const auto found = translated.constFind(it.key());
+        if (found == translated.cend())
+            lacking << it.key();
+        else if (parametersOf(*found) != parametersOf(*it))
+            broken << it.key();
+        else
+            continue;
+        translated.insert(it.key(), *it);
+    }
+}
+
+// A few keys name the kind of gap; the translator's tools find the rest.
+QString clsXMLocalizer::someKeys(QStringList keys) {
+    constexpr qsizetype kShown = 6;
+    keys.sort();
+    const qsizetype more = keys.size() - kShown;
+    return keys.mid(0, kShown).join(", ") +
+           (more > 0 ? QStringLiteral(" and %1 more").arg(more) : "");
+}
+
+// Said once, when the file is loaded, where a translator will see it.
+void clsXMLocalizer::reportGaps(const QString& fileName, const QStringList& lacking,
+                                const QStringList& broken) {
+    if (lacking.isEmpty() && broken.isEmpty())
+        return;
+    QStringList gaps;
+    if (!lacking.isEmpty())
+        gaps << QStringLiteral("%1 texts are missing (%2)")
+                    .arg(lacking.size())
+                    .arg(someKeys(lacking));
+    if (!broken.isEmpty())
+        gaps << QStringLiteral("%1 take other parameters than the English ones (%2)")
+                    .arg(broken.size())
+                    .arg(someKeys(broken));
+    qWarning().noquote() << fileName + ": " + gaps.join("; ") +
+                                "; the English texts are used for them";
 }
 
 bool clsXMLocalizer::TranslateForm(QObject* window) const {

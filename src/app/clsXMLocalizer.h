@@ -49,7 +49,21 @@ public:
     static QString controlKey(const QString& window, const QString& control, const QString& index,
                               const QString& element);
 
+    // The %0, %1 ... and %n a text takes, sorted, each once.
+    static QStringList parametersOf(const QString& text);
+
 private:
+    struct Tables {
+        QHash<QString, QString> strings;
+        QHash<QString, QString> translations;
+    };
+    static bool readTables(const QString& fileName, Tables& tables, QString& why);
+    static void completeFrom(const QHash<QString, QString>& english,
+                             QHash<QString, QString>& translated, QStringList& lacking,
+                             QStringList& broken);
+    static QString someKeys(QStringList keys);
+    static void reportGaps(const QString& fileName, const QStringList& lacking,
+                           const QStringList& broken);
     void useQtTexts(const QString& language);
     bool loadLanguageFile(const QString& fileName);
     void translateControl(QObject* control, const QString& windowName) const;

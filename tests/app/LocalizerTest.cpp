@@ -87,6 +87,31 @@ TEST_F(LocalizerTest, ABrokenLanguageFileFallsBackToEnglishTexts) {
     EXPECT_EQ(localizer.GetString("STR_UNTITLED"), "Untitled");
 }
 
+TEST_F(LocalizerTest, WhatATranslationLacksOrBreaksComesFromEnglishAndIsToldOnce) {
+    writeFile(programFile("language/gap-test.xml"), R"(<langtab><strings>
+        <string name="STR_READY"><text>Bereit</text></string>
+        <string name="STR_EXPORT_TARGET_EXISTS"><text>Die Datei %1 gibt es schon.</text></string>
+        </strings></langtab>)");
+    settings.SetProp("languages", "gap-test", "Gaps,1");
+    static QStringList warnings;
+    warnings.clear();
+    const QtMessageHandler previous = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& message) { warnings << message; });
+    clsXMLocalizer localizer(settings);
+    const bool set = localizer.SetLanguage("gap-test");
+    qInstallMessageHandler(previous);
+    ASSERT_TRUE(set);
+    EXPECT_EQ(localizer.GetString("STR_READY"), "Bereit");
+    // The parameter the translation lost would have left the file's name out.
+    EXPECT_EQ(localizer.GetStringPar("STR_EXPORT_TARGET_EXISTS", {"a.smil"}),
+              "The file a.smil already exists.");
+    EXPECT_EQ(localizer.GetString("STR_ERROR"), "Error");
+    ASSERT_EQ(warnings.size(), 1) << warnings.join('\n').toStdString();
+    EXPECT_TRUE(warnings[0].contains("gap-test.xml") && warnings[0].contains("missing") &&
+                warnings[0].contains("STR_EXPORT_TARGET_EXISTS"))
+        << warnings[0].toStdString();
+}
+
 TEST_F(LocalizerTest, ParametersAndLineBreaksAreReplacedInOrder) {
     clsXMLocalizer localizer(settings);
     localizer.SetLanguage("xx-test");

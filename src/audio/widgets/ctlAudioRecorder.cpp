@@ -205,8 +205,7 @@ void ctlAudioRecorder::CloseSound() {
 void ctlAudioRecorder::record() {
     if (m_unsaved && AppGlobals::setting("preferences", "AskOverWriteRecording", "0") == "1" &&
         DialogService::messageBox(
-            this,
-            text("Save the recording before continuing?", "Save the recording before continuing?"),
+            this, text("ASK_SAVE_RECORDING", "Save the recording before continuing?"),
             text("APP_PRODUCTNAME", "Vellumo"), QMessageBox::Yes | QMessageBox::No,
             QMessageBox::Question) == QMessageBox::Yes &&
         !save())
