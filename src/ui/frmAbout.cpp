@@ -15,6 +15,7 @@ QString text(const char* key, const char* fallback) {
 
 struct Library {
     const char* name;
+    const char* useKey;
     const char* use;
     const char* licence;
 };
@@ -22,18 +23,21 @@ struct Library {
 // What the program links, and under which terms; the Debian packages that
 // the program depends on bring the full licence texts.
 constexpr Library kLibraries[] = {
-    {"Qt 6", "windows, pictures, sound and video", "LGPL-3.0-only"},
-    {"pugixml", "settings, messages and presentations", "MIT"},
-    {"libarchive", "message files and templates", "BSD-2-Clause"},
-    {"zlib", "compressed message files", "Zlib"},
+    {"Qt 6", "STR_ABOUT_USE_QT", "windows, pictures, sound and video", "LGPL-3.0-only"},
+    {"pugixml", "STR_ABOUT_USE_XML", "settings, messages and presentations", "MIT"},
+    {"libarchive", "STR_ABOUT_USE_ARCHIVE", "message files and templates", "BSD-2-Clause"},
+    {"zlib", "STR_ABOUT_USE_ZLIB", "compressed message files", "Zlib"},
     {"FFmpeg (libavcodec, libavformat, libavutil, libswresample, libswscale)",
-     "reading sounds and videos", "LGPL-2.1-or-later (Debian's build: GPL-2.0-or-later)"},
-    {"opencore-amr", "AMR sounds", "Apache-2.0"},
-    {"LAME", "MP3 sounds", "LGPL-2.0-or-later"},
-    {"FluidSynth", "MIDI sounds", "LGPL-2.1-or-later"},
-    {"PulseAudio client library", "recording what the computer plays", "LGPL-2.1-or-later"},
-    {"FreeImage", "pictures of many formats", "FreeImage Public License or GPL-2.0/GPL-3.0"},
-    {"OpenOBEX", "sending to a phone", "LGPL-2.1-or-later"},
+     "STR_ABOUT_USE_FFMPEG", "reading sounds and videos",
+     "LGPL-2.1-or-later (Debian's build: GPL-2.0-or-later)"},
+    {"opencore-amr", "STR_ABOUT_USE_AMR", "AMR sounds", "Apache-2.0"},
+    {"LAME", "STR_ABOUT_USE_MP3", "MP3 sounds", "LGPL-2.0-or-later"},
+    {"FluidSynth", "STR_ABOUT_USE_MIDI", "MIDI sounds", "LGPL-2.1-or-later"},
+    {"PulseAudio client library", "STR_ABOUT_USE_PULSE", "recording what the computer plays",
+     "LGPL-2.1-or-later"},
+    {"FreeImage", "STR_ABOUT_USE_PICTURES", "pictures of many formats",
+     "FreeImage Public License or GPL-2.0/GPL-3.0"},
+    {"OpenOBEX", "STR_ABOUT_USE_OBEX", "sending to a phone", "LGPL-2.1-or-later"},
 };
 } // namespace
 
@@ -77,7 +81,7 @@ void frmAbout::TranslateForm() {
     for (const Library& library : kLibraries)
         html += QStringLiteral("<tr><td><b>%1</b><br>%2</td><td>%3</td></tr>")
                     .arg(QString::fromUtf8(library.name).toHtmlEscaped(),
-                         QString::fromUtf8(library.use).toHtmlEscaped(),
+                         text(library.useKey, library.use).toHtmlEscaped(),
                          QString::fromUtf8(library.licence).toHtmlEscaped());
     txtLibraries->setHtml(html + QStringLiteral("</table><p>Qt ") +
                           QString::fromLatin1(qVersion()) + QStringLiteral("</p>"));
