@@ -152,6 +152,19 @@ bool toPicture(const AVFrame& frame, QImage& picture) {
     return true;
 }
 
+// A file's first audio stream, opened for decoding.
+struct AudioInput {
+    FormatPtr format;
+    std::unique_ptr<AVCodecContext, CodecCloser> codec;
+    int stream = -1;
+
+    bool open(const QString& path, QString& error) {
+        codec.reset();
+        format = openInput(path, error);
+        return format && openDecoder(*format, AVMEDIA_TYPE_AUDIO, stream, codec, error);
+    }
+};
+
 // Feeds every packet of the stream to the decoder and hands each decoded
 // frame on until onFrame says stop; false when it did.
 bool decodeFrames(AVFormatContext& format, AVCodecContext& codec, int streamIndex,
@@ -207,23 +220,20 @@ std::int64_t packetFrames(AVFormatContext& format, int streamIndex, int rate) {
 
 bool FfmpegDecoder::decodeAudio(const QString& path, PcmSound& sound, QString& error,
                                 std::int64_t maxMs) {
-    FormatPtr format = openInput(path, error);
-    if (!format)
-        return false;
-    int streamIndex = -1;
-    std::unique_ptr<AVCodecContext, CodecCloser> codec;
-    if (!openDecoder(*format, AVMEDIA_TYPE_AUDIO, streamIndex, codec, error))
+    AudioInput in;
+    if (!in.open(path, error))
         return false;
     PcmFormat pcm;
     Resampler resampler;
-    if (!resampler.init(*codec, pcm, error))
+    if (!resampler.init(*in.codec, pcm, error))
         return false;
 
     const qsizetype maxBytes = qsizetype(maxMs * pcm.sampleRate / 1000) * pcm.bytesPerFrame();
     QByteArray data;
-    const bool converted = decodeFrames(*format, *codec, streamIndex, [&](const AVFrame& frame) {
-        return resampler.append(frame, data) ? data.size() < maxBytes : false;
-    });
+    const bool converted =
+        decodeFrames(*in.format, *in.codec, in.stream, [&](const AVFrame& frame) {
+            return resampler.append(frame, data) ? data.size() < maxBytes : false;
+        });
     if (!converted && data.size() < maxBytes) {
         error = QStringLiteral("cannot convert the decoded samples");
         return false;
@@ -238,28 +248,21 @@ bool FfmpegDecoder::decodeAudio(const QString& path, PcmSound& sound, QString& e
 }
 
 bool FfmpegDecoder::audioLengthMs(const QString& path, std::int64_t& lengthMs, QString& error) {
-    FormatPtr format = openInput(path, error);
-    if (!format)
+    AudioInput in;
+    if (!in.open(path, error))
         return false;
-    int streamIndex = -1;
-    std::unique_ptr<AVCodecContext, CodecCloser> codec;
-    if (!openDecoder(*format, AVMEDIA_TYPE_AUDIO, streamIndex, codec, error))
-        return false;
-    const int rate = codec->sample_rate;
+    const int rate = in.codec->sample_rate;
     if (rate <= 0) {
         error = QStringLiteral("unsupported sample rate or channel count");
         return false;
     }
-    std::int64_t frames = packetFrames(*format, streamIndex, rate);
+    std::int64_t frames = packetFrames(*in.format, in.stream, rate);
     // Packets that do not tell their length are counted the slow way: decoded, not kept.
     if (frames < 0) {
-        if (av_seek_frame(format.get(), -1, 0, AVSEEK_FLAG_BACKWARD) < 0) {
-            format = openInput(path, error);
-            if (!format)
-                return false;
-        }
+        if (!in.open(path, error))
+            return false;
         frames = 0;
-        decodeFrames(*format, *codec, streamIndex, [&](const AVFrame& frame) {
+        decodeFrames(*in.format, *in.codec, in.stream, [&](const AVFrame& frame) {
             frames += frame.nb_samples;
             return true;
         });
