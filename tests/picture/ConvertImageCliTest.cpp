@@ -116,7 +116,8 @@ TEST_F(ConvertImageCliTest, APictureBeyondTheLimitIsRefusedWithTheLimit) {
     const ToolRun run = convert({path("huge.png"), path("out.png")});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(QString::fromUtf8(run.err).trimmed(),
-              "vellumo-cli: convert-image: The picture has 20000 x 10001 pixels; pictures of "
-              "more than 200 megapixels are refused.");
+              "vellumo-cli: convert-image: The picture " + path("huge.png") +
+                  " cannot be used: The picture has 20000 x 10001 pixels; pictures of more "
+                  "than 200 megapixels are refused.");
     EXPECT_FALSE(QFile::exists(path("out.png")));
 }
