@@ -3,6 +3,7 @@
 #include "AppError.h"
 #include "AppGlobals.h"
 #include "FreeImageBitmap.h"
+#include "PictureHeaderSize.h"
 #include "PictureLength.h"
 #include "PictureLimits.h"
 
@@ -39,11 +40,31 @@ void useLibrary() {
     static Library library;
 }
 
-// Without a header of its own the size is known only once every pixel is
-// decoded, which no limit can guard.
+// The formats whose size the program reads from the header itself, as the
+// library reads it only while decoding every pixel.
+std::optional<PictureHeaderSize::Format> headerFormat(FREE_IMAGE_FORMAT format) {
+    switch (format) {
+    case FIF_SGI:
+        return PictureHeaderSize::SiliconGraphics;
+    case FIF_DDS:
+        return PictureHeaderSize::DirectDraw;
+    case FIF_J2K:
+        return PictureHeaderSize::Jpeg2000Stream;
+    case FIF_JP2:
+        return PictureHeaderSize::Jpeg2000File;
+    default:
+        return std::nullopt;
+    }
+}
+
+// Without a size known before decoding no limit can guard the decoder.
 bool measurable(FREE_IMAGE_FORMAT format) {
     return format != FIF_UNKNOWN && FreeImage_FIFSupportsReading(format) &&
-           FreeImage_FIFSupportsNoPixels(format);
+           (FreeImage_FIFSupportsNoPixels(format) || headerFormat(format));
+}
+
+int edge(unsigned value) {
+    return int(std::min(value, unsigned(INT_MAX)));
 }
 } // namespace
 
@@ -71,20 +92,22 @@ bool FreeImageReader::isFormat(const QByteArray& qtName) const {
 }
 
 QSize FreeImageReader::size() {
-    QSize size;
-    {
-        const FreeImageBitmapPtr header = m_source.load(m_format, FIF_LOAD_NOPIXELS);
-        if (!header) {
-            // A header cut short is better told as such than as the decoder's complaint.
-            checkComplete();
-            return size;
-        }
-        size = QSize(int(std::min(FreeImage_GetWidth(header.get()), unsigned(INT_MAX))),
-                     int(std::min(FreeImage_GetHeight(header.get()), unsigned(INT_MAX))));
-    }
-    PictureLimits::check(size, m_errorSource, m_shownName);
+    const QSize size = declaredSize();
+    // Checked even when the header does not read: a header cut short is
+    // better told as such than as the decoder's complaint.
+    if (size.isValid())
+        PictureLimits::check(size, m_errorSource, m_shownName);
     checkComplete();
     return size;
+}
+
+QSize FreeImageReader::declaredSize() {
+    if (const auto format = headerFormat(m_format))
+        return PictureHeaderSize::read(m_source.file(), *format).value_or(QSize());
+    const FreeImageBitmapPtr header = m_source.load(m_format, FIF_LOAD_NOPIXELS);
+    return header ? QSize(edge(FreeImage_GetWidth(header.get())),
+                          edge(FreeImage_GetHeight(header.get())))
+                  : QSize();
 }
 
 void FreeImageReader::checkComplete() {
@@ -97,11 +120,18 @@ void FreeImageReader::checkComplete() {
         length = PictureLength::required(m_source.file(), PictureLength::Pcx);
     if (length && *length > m_source.file().size())
         refuseIncomplete();
+    const auto format = headerFormat(m_format);
+    const bool jpeg2000 = m_format == FIF_J2K || m_format == FIF_JP2;
+    if (jpeg2000 && !PictureHeaderSize::codeStreamComplete(m_source.file(), *format))
+        refuseIncomplete();
 }
 
 QImage FreeImageReader::read(int flags) {
     const FreeImageBitmapPtr bitmap = m_source.load(m_format, flags);
-    if (m_source.ranDry())
+    // The JPEG 2000 decoder looks for another box after the last one, and
+    // its files were measured whole before.
+    const bool looksPastTheEnd = m_format == FIF_JP2;
+    if (m_source.ranDry() && !looksPastTheEnd)
         refuseIncomplete();
     if (!bitmap)
         return QImage();

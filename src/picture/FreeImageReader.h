@@ -35,6 +35,7 @@ public:
     [[noreturn]] void refuseUndecodable() const;
 
 private:
+    QSize declaredSize();
     [[noreturn]] void refuseIncomplete() const;
     [[noreturn]] void refuse(const QString& text) const;
     void checkComplete();

@@ -102,6 +102,12 @@ TEST_F(ForeignPictureTest, EveryPictureTheLibraryReadsIsTakenInAsImageMagickDeco
         {"sixteen.psd", {"-depth", "16"}},
         {"packed.psd", {"-depth", "8", "-compress", "RLE"}},
         {"sun.ras", {}},
+        // Formats whose size the program reads from the header itself.
+        {"plain.sgi", {"-compress", "None"}},
+        {"packed.sgi", {"-compress", "RLE"}},
+        {"texture.dds", {"-define", "dds:compression=none"}},
+        {"stream.j2k", {}},
+        {"boxed.jp2", {}},
         // Named for what they are not: the bytes decide.
         {"targa.png", {}, "tga:"},
         {"layers.jpg", {}, "psd:"},
@@ -139,7 +145,21 @@ TEST_F(ForeignPictureTest, HugeDeclaredSizesAreRefusedFromTheHeaderWithTheFilesN
     qToLittleEndian<quint16>(60000, targa.data() + 12);
     qToLittleEndian<quint16>(60000, targa.data() + 14);
     targa[16] = 24;
+    QByteArray sgi(512, '\0');
+    qToBigEndian<quint16>(474, sgi.data());
+    sgi[3] = 1;
+    qToBigEndian<quint16>(3, sgi.data() + 4);
+    qToBigEndian<quint16>(65535, sgi.data() + 6);
+    qToBigEndian<quint16>(65535, sgi.data() + 8);
+    qToBigEndian<quint16>(3, sgi.data() + 10);
+    // A code stream's size marker with its grid 100000 pixels square.
+    QByteArray stream = QByteArray::fromHex("ff4fff510029000000000000000000000000");
+    stream.resize(24 + 17, '\0');
+    qToBigEndian<quint32>(100000, stream.data() + 8);
+    qToBigEndian<quint32>(100000, stream.data() + 12);
     const QString files[] = {
+        made("huge.sgi", sgi + QByteArray(64, '\0')),
+        made("huge.j2k", stream + QByteArray(64, '\0')),
         made("huge.tga", targa + QByteArray(64, '\0')),
         made("huge.psd", layered(QSize(30000, 30000), QByteArray(), QByteArray(64, '\0'))),
     };
@@ -160,7 +180,7 @@ TEST_F(ForeignPictureTest, HugeDeclaredSizesAreRefusedFromTheHeaderWithTheFilesN
 
 TEST_F(ForeignPictureTest, CutOffAndForgedFilesAreRefusedWithTheFilesNameAndWhy) {
     const QString incomplete = " is incomplete: the file ends before the picture does.";
-    for (const char* name : {"cut.tga", "cut.pcx", "cut.psd"}) {
+    for (const char* name : {"cut.tga", "cut.pcx", "cut.psd", "cut.sgi", "cut.j2k", "cut.jp2"}) {
         SCOPED_TRACE(name);
         const QString file = made(name, {"-compress", "None"}, QSize(64, 48));
         QFile cut(file);
