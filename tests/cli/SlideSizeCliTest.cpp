@@ -56,6 +56,11 @@ TEST_F(SlideSizeCliTest, SizesBeyondThePictureLimitAreRefusedBeforeAnyPixelIsMad
     const ProgramRun made = cli({"new", "huge.mms", "--size", "20000x20000", "--slide"});
     EXPECT_EQ(made.code, 1);
     EXPECT_EQ(made.err.trimmed(), "vellumo-cli: new: " + tooLarge);
+    // A size in the settings beyond the limit gives way to the phone's.
+    make(cliProgram(), {"settings", "set", "preferences", "MmsImageSize", "20000x20000"});
+    make(cliProgram(), {"new", "phone.mms", "--slide", "--color", "0000FF"});
+    make(cliProgram(), {"render", "phone.mms", "1", "phone.png"});
+    EXPECT_EQ(QImage(path("phone.png")).size(), QSize(160, 120));
     // 1.6 GB of pixels were once painted white before the size was refused.
     EXPECT_LT(largestChildKilobytes(), 1024 * 1024);
     EXPECT_FALSE(QFile::exists(path("huge.png")));

@@ -125,10 +125,11 @@ TEST_F(ConvertImageCliTest, ABadOptionIsNamedWithWhyInTheUsersLanguage) {
         {{"a.gif", "--raster", "2"}, "--raster does not apply to gif pictures"},
     };
     for (const auto& [arguments, why] : refusals) {
-        const ToolRun run = convert(QStringList{m_input} + arguments);
+        const QString out = path(arguments[0]);
+        const ToolRun run = convert(QStringList{m_input, out} + arguments.mid(1));
         EXPECT_EQ(run.exitCode, 64) << why;
         EXPECT_EQ(run.err.trimmed(), QByteArray("vellumo-cli: convert-image: ") + why);
-        EXPECT_FALSE(QFile::exists(path(arguments[0])));
+        EXPECT_FALSE(QFile::exists(out)) << why;
     }
     setting("Language", "de-de");
     EXPECT_EQ(convert({m_input, path("a.jpg"), "--quality", "500"}).err.trimmed(),
