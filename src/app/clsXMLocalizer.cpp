@@ -90,6 +90,14 @@ clsXMLocalizer::clsXMLocalizer(clsPropertiesXML& settings) : m_settings(settings
         AppPaths::programRelative(settings.GetProp("paths", "language", "\\language\\")));
 }
 
+std::unique_ptr<clsXMLocalizer> clsXMLocalizer::forChosenLanguage(clsPropertiesXML& settings) {
+    auto localizer = std::make_unique<clsXMLocalizer>(settings);
+    // An unknown language must not leave the program without texts.
+    if (!localizer->SetLanguage(settings.GetProp("preferences", "Language", "en-us")))
+        localizer->SetLanguage("en-us");
+    return localizer;
+}
+
 QList<QPair<QString, QString>> clsXMLocalizer::GetAvaliableLanguage() const {
     QList<QPair<QString, QString>> languages;
     QStringList entries;

@@ -23,6 +23,9 @@ class clsPropertiesXML;
 class clsXMLocalizer {
 public:
     explicit clsXMLocalizer(clsPropertiesXML& settings);
+    // The language the settings name ("preferences"/"Language"), English
+    // when they name none that is installed.
+    static std::unique_ptr<clsXMLocalizer> forChosenLanguage(clsPropertiesXML& settings);
 
     QList<QPair<QString, QString>> GetAvaliableLanguage() const;
     QString GetLanguage() const { return m_language; }

@@ -85,13 +85,7 @@ void modMain::runSteps(const QStringList& arguments) {
     SettingsBootstrap::runFirstRun(settings);
 
     setStep("ModMain.Main - clsXMLLocalizer");
-    auto localizer = std::make_unique<clsXMLocalizer>(settings);
-    const QString language = settings.GetProp("preferences", "Language", "en-us");
-    setStep("ModMain.Main - clsXMLLocalizer.SetLanguage");
-    // An unknown language must not leave the program without texts.
-    if (!localizer->SetLanguage(language))
-        localizer->SetLanguage("en-us");
-    AppGlobals::installLocalizer(std::move(localizer));
+    AppGlobals::installLocalizer(clsXMLocalizer::forChosenLanguage(settings));
 
     setStep("ModMain.Main - Help file");
     AppGlobals::setHelpFile(helpFilePath(settings, AppGlobals::localizer()->GetLanguage()));

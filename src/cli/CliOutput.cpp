@@ -1,5 +1,9 @@
 #include "CliOutput.h"
 
+#include "AppError.h"
+#include "AppGlobals.h"
+#include "PictureLimits.h"
+
 #include <QStringList>
 #include <QTextStream>
 
@@ -10,6 +14,11 @@ void CliOutput::out(const QString& line) {
 int CliOutput::error(const QString& message) {
     QTextStream(stderr) << "vellumo-cli: " << message << Qt::endl;
     return 1;
+}
+
+int CliOutput::optionError(const QString& command, const QString& message) {
+    error(command + ": " + message);
+    return 64;
 }
 
 int CliOutput::usageError(const QString& usage) {
@@ -37,6 +46,20 @@ QSize CliOutput::parseSize(const QString& text) {
     return parts.size() == 2 && okWidth && okHeight && size.width() > 0 && size.height() > 0
                ? size
                : QSize();
+}
+
+QString CliOutput::pictureSize(const QString& option, const QString& text, QSize& size) {
+    size = parseSize(text);
+    if (!size.isValid())
+        return AppGlobals::text("ERR_CLI_OPTION_SIZE", "%0: %1 is not a size as WIDTHxHEIGHT",
+                                {option, text});
+    try {
+        // Checked before a single pixel is made: a mistyped size once took gigabytes.
+        PictureLimits::check(size, option);
+        return QString();
+    } catch (const AppError& error) {
+        return option + ": " + error.description();
+    }
 }
 
 QString CliOutput::takeOption(QStringList& arguments, const QString& name) {

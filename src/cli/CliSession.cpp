@@ -3,9 +3,7 @@
 #include "AppError.h"
 #include "AppGlobals.h"
 #include "CliOutput.h"
-#include "SettingsBootstrap.h"
 #include "SlideRenderer.h"
-#include "clsPropertiesXML.h"
 
 #include <unistd.h>
 
@@ -13,15 +11,10 @@ CliSession::CliSession() {
     if (!m_temp.isValid())
         throw AppError("CliSession",
                        "no private temporary folder can be made: " + m_temp.errorString());
-    AppGlobals::installSettings(SettingsBootstrap::openAndPrepare());
     useWorkFolder(m_temp.path() + "/work");
     // Long work says how far it is, where someone watches.
     if (::isatty(STDERR_FILENO))
         QObject::connect(&m_manager, &clsMMSManager::ProsessingSlide, &CliOutput::progress);
-}
-
-CliSession::~CliSession() {
-    AppGlobals::shutdown();
 }
 
 void CliSession::useWorkFolder(const QString& folder) {

@@ -2,6 +2,7 @@
 
 #include "clsMMSManager.h"
 
+#include "CliSettings.h"
 #include "PrivateTempDir.h"
 #include <QString>
 
@@ -13,7 +14,6 @@ class CliSession {
 public:
     // Throws AppError when the settings cannot be opened.
     CliSession();
-    ~CliSession();
 
     clsMMSManager& manager() { return m_manager; }
     void useWorkFolder(const QString& folder);
@@ -27,6 +27,7 @@ public:
     void reportMissingMedia() const;
 
 private:
+    CliSettings m_settings;
     PrivateTempDir m_temp;
     clsMMSManager m_manager;
 };

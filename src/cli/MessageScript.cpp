@@ -23,8 +23,8 @@ const std::map<QString, MessageScript::Handler>& MessageScript::handlers() {
          }},
         {"--size",
          [](MessageScript& s) {
-             s.m_surface = CliOutput::parseSize(s.take());
-             return s.m_surface.isValid() || s.fail("expects WxH");
+             s.m_error = CliOutput::pictureSize("--size", s.take(), s.m_surface);
+             return s.m_error.isEmpty();
          }},
         {"--slide", [](MessageScript& s) { return s.newSlide(); }},
         {"--color",
@@ -164,9 +164,11 @@ bool MessageScript::background() {
     const QString name = current ? bringIn("B", file) : QString();
     if (name.isEmpty())
         return false;
-    const int kind = clsDrawObjects::KindOfFile(name);
-    if (kind == clsDrawObjects::BackColorOnly)
-        return fail("is neither a picture nor an animation: " + file);
+    // Animations are known by their names; anything else must decode as a
+    // picture, whatever it is named.
+    const int kind = clsDrawObjects::KindOfFile(name) == clsDrawObjects::BackAnimated
+                         ? clsDrawObjects::BackAnimated
+                         : clsDrawObjects::BackStill;
     // Checked before the copy, so a refused background leaves nothing behind.
     if ((kind == clsDrawObjects::BackStill && !decodable(file)) || !copyIn(file, name))
         return false;
@@ -275,8 +277,8 @@ QString MessageScript::help() {
         "  --slide [MS]              a new slide, with its duration in milliseconds\n"
         "                            (default: the SlideDuration setting)\n"
         "  --color RRGGBB            the slide's background colour\n"
-        "  --background FILE         a background picture (bmp, jpg, png, tif, wbmp)\n"
-        "                            or animation (gif, avi, mp4)\n"
+        "  --background FILE         a background picture (bmp, jpg, png, tif, wbmp,\n"
+        "                            tga, pcx, psd ...) or animation (gif, avi, mp4)\n"
         "  --image FILE X,Y,W,H      a picture placed in a rectangle\n"
         "  --text TEXT X,Y,W,H       a text placed in a rectangle, word-wrapped;\n"
         "                            the options below change the last text:\n"

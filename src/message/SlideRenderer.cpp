@@ -4,9 +4,11 @@
 #include "AppGlobals.h"
 #include "MediaFrame.h"
 #include "PictureCache.h"
+#include "PictureLimits.h"
 #include "PlainFileName.h"
 #include "StoredColor.h"
 #include "clsDrawObjects.h"
+#include "clsMessage.h"
 #include "clsSlide.h"
 
 #include <QFile>
@@ -113,15 +115,23 @@ QFont SlideRenderer::fontOf(const DrawObjectProperties& p) {
 
 QSize SlideRenderer::surfaceFromSettings() {
     // A size the user chose ("176x144") wins over the phone's ("Auto").
+    // Neither is taken beyond the picture limits: every slide is painted at it.
     const QStringList chosen =
         AppGlobals::setting("preferences", "MmsImageSize", "Auto").split(u'x');
-    if (chosen.size() == 2 && chosen[0].toInt() > 0 && chosen[1].toInt() > 0)
-        return QSize(chosen[0].toInt(), chosen[1].toInt());
+    const QSize chosenSize(chosen.value(0).toInt(), chosen.value(1).toInt());
+    if (chosen.size() == 2 && PictureLimits::fits(chosenSize))
+        return chosenSize;
     const QStringList fields =
         AppGlobals::setting("preferences", "PhoneImageSize", "160,120,0").split(',');
-    const int width = fields.value(0).toInt();
-    const int height = fields.value(1).toInt();
-    return width > 0 && height > 0 ? QSize(width, height) : QSize(160, 120);
+    const QSize phone(fields.value(0).toInt(), fields.value(1).toInt());
+    return PictureLimits::fits(phone) ? phone : QSize(160, 120);
+}
+
+QSize SlideRenderer::surfaceOf(const clsMessage& message) {
+    for (const auto& slide : message.Slides())
+        if (!slide->image().isNull())
+            return slide->image().size();
+    return surfaceFromSettings();
 }
 
 void SlideRenderer::paintBackground(QPainter& painter, const clsDrawObjects& objects,

@@ -12,6 +12,7 @@ class QRectF;
 class clsDrawObject;
 struct DrawObjectProperties;
 class clsDrawObjects;
+class clsMessage;
 class clsSlide;
 
 // Paints a slide picture from its draw objects: the background colour, the
@@ -50,6 +51,9 @@ public:
     // The surface size: "MmsImageSize" when it names one ("176x144"), else
     // the phone's, "PhoneImageSize" ("160,120,0" gives 160 x 120).
     static QSize surfaceFromSettings();
+    // The surface a message was made at: the size of the slide pictures
+    // saved with it; the settings' size for a message that has none.
+    static QSize surfaceOf(const clsMessage& message);
 
 private:
     void paintBackground(QPainter& painter, const clsDrawObjects& objects, QSizeF surface) const;

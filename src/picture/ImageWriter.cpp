@@ -41,7 +41,7 @@ ImageWriter::Settings ImageWriter::currentSettings() {
 
 ImageWriter::Settings ImageWriter::readSettings(clsPropertiesXML& settings) {
     Settings result;
-    result.jpgQuality = settingInRange(settings, "JpgQuality", "90", 0, 100);
+    result.jpgQuality = settingInRange(settings, "JpgQuality", "90", 1, 100);
     result.gif.optimizedPalette =
         settings.GetProp("preferences", "GifOptimizedPalette", "1") == "1";
     result.gif.errorDiffusion = settings.GetProp("preferences", "GifErrorDiffusion", "1") == "1";

@@ -4,10 +4,13 @@
 #include <QSize>
 #include <QString>
 
-// Reads a picture in any format Qt reads. Every user picture the program
-// draws, converts or takes in is decoded by load, so the same pictures are
-// refused everywhere: files that do not decode, empty pictures, and those
-// beyond PictureLimits::MaxPixels, before their pixels are decoded.
+// Reads a picture in any format Qt reads, and in those of the picture
+// library (Targa, PCX, Photoshop, SGI, JPEG 2000 ...) where Qt has no reader
+// for the file's bytes, whatever the file is named. Every user picture the
+// program draws, converts or takes in is decoded by load, so the same
+// pictures are refused everywhere: files that do not decode or are cut off,
+// empty pictures, and those beyond PictureLimits::MaxPixels, before their
+// pixels are decoded.
 class PictureFile {
 public:
     static constexpr const char* ErrorSource = "PictureFile.Load";

@@ -22,3 +22,13 @@ void PictureLimits::check(const QSize& size, const QString& source) {
     text.replace("%2", QString::number(MaxPixels / 1'000'000));
     throw AppError(source, text);
 }
+
+void PictureLimits::check(const QSize& size, const QString& source, const QString& file) {
+    try {
+        check(size, source);
+    } catch (const AppError& error) {
+        throw AppError(source,
+                       AppGlobals::text("ERR_PICTURE_REFUSED", "The picture %0 cannot be used: %1",
+                                        {file, error.description()}));
+    }
+}

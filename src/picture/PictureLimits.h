@@ -15,4 +15,6 @@ public:
     static bool fits(const QSize& size);
     // Throws AppError (with the given source) for an empty or an oversized picture.
     static void check(const QSize& size, const QString& source);
+    // The same, the text naming the file the picture comes from.
+    static void check(const QSize& size, const QString& source, const QString& file);
 };

@@ -54,8 +54,9 @@ TEST_F(PictureFileTest, WhatCannotBeDecodedIsRefusedBeforeItIsUsed) {
 
 TEST_F(PictureFileTest, PicturesBeyondTheLimitAreRefusedFromTheirHeader) {
     PhotoSamples::pngClaiming(path("huge.png"), QSize(20000, 10001));
-    const QString tooLarge =
-        "The picture has 20000 x 10001 pixels; pictures of more than 200 megapixels are refused.";
+    const QString tooLarge = "The picture " + path("huge.png") +
+                             " cannot be used: The picture has 20000 x 10001 pixels; pictures of "
+                             "more than 200 megapixels are refused.";
     EXPECT_EQ(appErrorOf([&] { PictureFile::probe(path("huge.png")); }), tooLarge);
     EXPECT_EQ(appErrorOf([&] { PictureFile::load(path("huge.png"), QSize(160, 120)); }), tooLarge)
         << "however small it is drawn";
@@ -64,7 +65,7 @@ TEST_F(PictureFileTest, PicturesBeyondTheLimitAreRefusedFromTheirHeader) {
     gif += QByteArray(6, '\0');
     gif += QByteArray("\x2C\x00\x00\x00\x00\xFF\xFF\xFF\xFF\x00\x08\x00\x3B", 13);
     writeFile(path("huge.gif"), gif);
-    EXPECT_TRUE(appErrorOf([&] {
-                    PictureFile::load(path("huge.gif"));
-                }).startsWith("The picture has 65535 x 65535 pixels"));
+    EXPECT_TRUE(appErrorOf([&] { PictureFile::load(path("huge.gif")); })
+                    .startsWith("The picture " + path("huge.gif") +
+                                " cannot be used: The picture has 65535 x 65535 pixels"));
 }

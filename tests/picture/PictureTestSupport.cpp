@@ -6,8 +6,10 @@
 #include <QProcess>
 #include <random>
 
-ToolRun runTool(const QString& program, const QStringList& arguments) {
+ToolRun runTool(const QString& program, const QStringList& arguments,
+                const QProcessEnvironment& env) {
     QProcess process;
+    process.setProcessEnvironment(env);
     process.start(program, arguments);
     ToolRun run;
     if (!process.waitForFinished(120000)) {

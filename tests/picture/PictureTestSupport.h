@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -13,7 +14,8 @@ struct ToolRun {
 };
 
 // Runs an outside program (a reader we check our files with) and waits for it.
-ToolRun runTool(const QString& program, const QStringList& arguments);
+ToolRun runTool(const QString& program, const QStringList& arguments,
+                const QProcessEnvironment& env = QProcessEnvironment::systemEnvironment());
 
 // A picture of palette indices drawn from a fixed random sequence: noise
 // defeats LZW, so it fills the string table quickly.
