@@ -14,6 +14,8 @@ int main(int argc, char* argv[]) {
     QApplication app(argc, argv);
     QApplication::setApplicationName("Vellumo");
     QApplication::setApplicationVersion(VELLUMO_VERSION);
+    // Lets the desktop match the windows to the menu entry and its icon.
+    QGuiApplication::setDesktopFileName(QStringLiteral(VELLUMO_APP_ID));
     // Outside a full desktop no icon theme is named; the freedesktop names
     // the program uses (folders, drives, tools) then come from this one.
     QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));

@@ -16,6 +16,19 @@ QString executableFolder() {
         return QCoreApplication::applicationDirPath();
     return QDir::currentPath();
 }
+
+// The executable's folder when it holds the file (the build tree keeps
+// everything there), else the installed folder, given relative to the
+// executable's, when that holds it; the executable's folder otherwise.
+QString folderHolding(const QString& fileName, const QString& installedRelative) {
+    const QString exeDir = executableFolder();
+    if (QFileInfo::exists(exeDir + "/" + fileName))
+        return AppPaths::withSlash(exeDir);
+    const QString installed = QDir::cleanPath(exeDir + "/" + installedRelative);
+    if (QFileInfo::exists(installed + "/" + fileName))
+        return AppPaths::withSlash(installed);
+    return AppPaths::withSlash(exeDir);
+}
 } // namespace
 
 QString AppPaths::executableBaseName() {
@@ -25,14 +38,12 @@ QString AppPaths::executableBaseName() {
 QString AppPaths::programFolder() {
     if (!programFolderOverride().isEmpty())
         return programFolderOverride();
-    const QString exeDir = executableFolder();
-    const QString settingsName = executableBaseName() + ".xml";
-    if (QFileInfo::exists(exeDir + "/" + settingsName))
-        return withSlash(exeDir);
-    const QString installed = QDir::cleanPath(exeDir + "/../share/vellumo");
-    if (QFileInfo::exists(installed + "/" + settingsName))
-        return withSlash(installed);
-    return withSlash(exeDir);
+    return folderHolding(executableBaseName() + ".xml",
+                         QStringLiteral(VELLUMO_INSTALLED_PROGRAM_FOLDER));
+}
+
+QString AppPaths::toolFolder(const QString& toolName) {
+    return folderHolding(toolName, QStringLiteral(VELLUMO_INSTALLED_TOOL_FOLDER));
 }
 
 void AppPaths::setProgramFolder(const QString& folder) {

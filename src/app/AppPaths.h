@@ -10,8 +10,14 @@ public:
     // "vellumo": names the settings file, the old INI file and the application.
     static QString executableBaseName();
 
-    // The folder holding the shipped vellumo.xml, with a trailing "/".
+    // The folder holding the shipped vellumo.xml, with a trailing "/": the
+    // executable's own folder in the build tree, else the installed program
+    // folder found from the executable, so a moved installation still works.
     static QString programFolder();
+    // The folder holding the helper program toolName (the package builder),
+    // with a trailing "/": beside the executable in the build tree, else the
+    // installation's private tool folder found from the executable.
+    static QString toolFolder(const QString& toolName);
     // Tests run the program against a folder of their own.
     static void setProgramFolder(const QString& folder);
 

@@ -18,7 +18,6 @@
 #include "clsRunPgm.h"
 #include "modPlaySound.h"
 
-#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -484,13 +483,14 @@ bool clsMMSManager::buildPackage(const QString& folder, const QString& baseName,
     return false;
 }
 
-// Runs the package builder beside the program and waits for it, letting the
-// window work meanwhile; "" when it ended well, else why not.
+// Runs the package builder (beside the program in the build tree, in the
+// tool folder when installed) and waits for it, letting the window work
+// meanwhile; "" when it ended well, else why not.
 QString clsMMSManager::runPackageBuilder(const QString& definition) {
-    const QString folder = QCoreApplication::applicationDirPath();
+    const QString folder = AppPaths::toolFolder(QStringLiteral("makesis"));
     clsRunPgm builder;
     if (!builder.run(folder, "makesis " + quoted(definition), kMinimizedNoActivate))
-        return "The package builder cannot be started: " + folder + "/makesis";
+        return "The package builder cannot be started: " + folder + "makesis";
     const QDeadlineTimer deadline(kPackageBuilderTimeoutMs);
     while (builder.isActive()) {
         if (deadline.hasExpired()) {
