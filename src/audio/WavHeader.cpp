@@ -101,13 +101,19 @@ WavHeader::Error WavHeader::readFmt(const QByteArray& body) {
 bool WavHeader::isPlainPcm() const {
     return m_tag == Pcm && (m_bitsPerSample == 8 || m_bitsPerSample == 16) &&
            (m_channels == 1 || m_channels == 2) && m_sampleRate <= 384000 &&
-           m_blockAlign == m_channels * m_bitsPerSample / 8;
+           m_blockAlign == frameBytes();
 }
 
 bool WavHeader::hasWholeFrames() const {
     const bool sampled = m_tag == Pcm || m_tag == Float || m_tag == ALaw || m_tag == MuLaw;
     return sampled && m_bitsPerSample > 0 && m_bitsPerSample % 8 == 0 &&
-           m_blockAlign == m_channels * m_bitsPerSample / 8;
+           m_blockAlign == frameBytes();
+}
+
+// What a frame of samples takes, counted wide: a header may claim 65535
+// channels of 65535 bits.
+qint64 WavHeader::frameBytes() const {
+    return qint64(m_channels) * m_bitsPerSample / 8;
 }
 
 std::int64_t WavHeader::frames() const {
@@ -122,11 +128,16 @@ std::int64_t WavHeader::frames() const {
         if (perBlock > 0)
             return m_dataSize / m_blockAlign * perBlock;
     }
-    return m_bytesPerSecond > 0 ? m_dataSize * m_sampleRate / m_bytesPerSecond : 0;
+    return m_bytesPerSecond > 0
+               ? std::int64_t(__int128(m_dataSize) * m_sampleRate / m_bytesPerSecond)
+               : 0;
 }
 
 std::int64_t WavHeader::lengthMs() const {
-    return m_sampleRate > 0 ? (frames() * 1000 + m_sampleRate / 2) / m_sampleRate : 0;
+    if (m_sampleRate <= 0)
+        return 0;
+    const __int128 ms = (__int128(frames()) * 1000 + m_sampleRate / 2) / m_sampleRate;
+    return ms > INT64_MAX ? INT64_MAX : std::int64_t(ms);
 }
 
 QString WavHeader::codingName() const {

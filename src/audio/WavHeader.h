@@ -55,6 +55,7 @@ public:
 
 private:
     Error readFmt(const QByteArray& body);
+    qint64 frameBytes() const;
 
     quint16 m_tag = 0;
     int m_channels = 0;
