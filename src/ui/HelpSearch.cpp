@@ -110,9 +110,8 @@ QString HelpSearch::resultsPage(const QList<Match>& matches, const Texts& texts)
     QString html = QStringLiteral("<html><head><meta charset=\"utf-8\"><title>") + heading +
                    QStringLiteral("</title><link rel=\"stylesheet\" type=\"text/css\" href=\"") +
                    texts.styleSheet.toString(QUrl::FullyEncoded).toHtmlEscaped() +
-                   QStringLiteral("\"></head><body><h1>") + heading +
-                   QStringLiteral("</h1><p>") + texts.summary.toHtmlEscaped() +
-                   QStringLiteral("</p>");
+                   QStringLiteral("\"></head><body><h1>") + heading + QStringLiteral("</h1><p>") +
+                   texts.summary.toHtmlEscaped() + QStringLiteral("</p>");
     if (matches.isEmpty())
         return html + QStringLiteral("</body></html>");
     html += QStringLiteral("<ul>");

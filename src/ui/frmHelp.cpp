@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -93,9 +94,8 @@ void frmHelp::connectControls() {
     });
     connect(txtSearch, &QLineEdit::returnPressed, this, [this] { search(txtSearch->text()); });
     connect(cmdSearch, &QPushButton::clicked, this, [this] { search(txtSearch->text()); });
-    auto* clear = new QShortcut(QKeySequence(Qt::Key_Escape), txtSearch);
-    clear->setContext(Qt::WidgetShortcut);
-    connect(clear, &QShortcut::activated, this, &frmHelp::clearSearch);
+    // The box takes Escape for itself before any shortcut hears it.
+    txtSearch->installEventFilter(this);
     auto* find = new QShortcut(QKeySequence::Find, this);
     connect(find, &QShortcut::activated, this, [this] {
         txtSearch->setFocus(Qt::ShortcutFocusReason);
@@ -162,11 +162,21 @@ void frmHelp::search(const QString& words) {
     m_browser->showSearch(words.simplified());
 }
 
-// Escape takes the words away, and the list they found with them.
+bool frmHelp::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == txtSearch && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        clearSearch();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+// Escape takes the words away, and the lists they found with them: back to
+// the page read before searching.
 void frmHelp::clearSearch() {
-    txtSearch->clear();
-    if (m_browser->showsSearch())
+    while (m_browser->showsSearch() && m_browser->isBackwardAvailable())
         m_browser->backward();
+    txtSearch->clear();
 }
 
 QString frmHelp::resultsPage(const QString& query) {

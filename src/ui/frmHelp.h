@@ -40,6 +40,9 @@ public slots:
     // Also shows the page anew when the language, and so the help, changed.
     void TranslateForm();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     QToolButton* navigationButton(const char* name, const char* icon, const QKeySequence& keys);
     void buildLayout();

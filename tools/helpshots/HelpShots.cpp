@@ -40,6 +40,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTextDocument>
 #include <QTextStream>
@@ -61,7 +62,7 @@ void settle(int ms = 150) {
 }
 
 // Pictures narrower than a help page at its usual size need no scrolling.
-constexpr int kPageWidth = 720;
+constexpr int kPageWidth = 680;
 } // namespace
 
 HelpShots::HelpShots(const QString& language, const QString& folder, const QString& pagesFolder)
@@ -99,14 +100,10 @@ bool HelpShots::start() {
     qputenv("XDG_CONFIG_HOME", m_home.filePath(QStringLiteral("config")).toLocal8Bit());
     {
         std::unique_ptr<clsPropertiesXML> settings = SettingsBootstrap::openAndPrepare();
-        for (const auto& [key, value] : std::initializer_list<std::pair<const char*, QString>>{
-                 {"Language", m_language},
-                 {"ShowSplash", "0"},
-                 {"AskNewSlide", "0"},
-                 {"Skin", "candybar"},
-                 {"AutoShowExportImportFileDlg", "0"},
-                 {"CommunicationType", "1"}})
-            settings->SetProp("preferences", key, value);
+        settings->SetProp("preferences", "Language", m_language);
+        // A phone in the preview; no splash screen to wait for.
+        settings->SetProp("preferences", "Skin", "candybar");
+        settings->SetProp("preferences", "ShowSplash", "0");
         settings->SaveXmlFile();
     }
     AppGlobals::shutdown();
@@ -114,9 +111,20 @@ bool HelpShots::start() {
         fail(QStringLiteral("the program did not start"));
         return false;
     }
-    window().resize(1000, 700);
+    // The settings dialog shows what a user starts with.
+    AppGlobals::settings()->SetProp("preferences", "ShowSplash", "1");
+    // Small, so its picture shrinks little on a page.
+    window().resize(1000, 680);
     settle(400);
     return true;
+}
+
+// The text on the current slide, selected as a click on it does.
+void HelpShots::selectCaption() const {
+    ctlPictureEditor* editor = window().pictureEditor();
+    for (const ctlPictureEditor::ShownObject& shown : editor->shownObjects())
+        if (shown.isText)
+            return editor->selectObject(shown.index);
 }
 
 frmMain& HelpShots::window() const {
@@ -124,8 +132,9 @@ frmMain& HelpShots::window() const {
 }
 
 void HelpShots::shootMainWindow() {
-    window().pictureEditor()->selectObject(2);
-    settle();
+    selectCaption();
+    // The message's size is measured once editing pauses.
+    settle(1500);
     save(&window(), QStringLiteral("main-window"), kPageWidth);
     save(window().findChild<QDockWidget*>(QStringLiteral("dockSlides")),
          QStringLiteral("slide-strip"));
@@ -134,6 +143,10 @@ void HelpShots::shootMainWindow() {
 }
 
 void HelpShots::shootTools() {
+    // Wide enough for every tab title of the tools.
+    window().resize(1240, 760);
+    if (auto* dock = window().findChild<QDockWidget*>(QStringLiteral("dockTools")))
+        window().resizeDocks({dock}, {520}, Qt::Horizontal);
     ToolTabs* tools = window().toolTabs();
     const std::pair<int, const char*> tabs[] = {
         {0, "backgrounds-tab"}, {1, "pictures-tab"}, {3, "sounds-tab"}};
@@ -143,10 +156,10 @@ void HelpShots::shootTools() {
         settle(600);
         save(tools, QLatin1String(name));
     }
-    window().pictureEditor()->selectObject(3);
+    selectCaption();
     tools->setCurrentIndex(tools->indexOf(window().textProperties()));
     settle();
-    save(tools, QStringLiteral("text-tab"));
+    saveTop(tools, QStringLiteral("text-tab"), window().textProperties());
     window().pictureEditor()->ClearPicture();
 }
 
@@ -154,7 +167,7 @@ void HelpShots::shootRecorder() {
     ToolTabs* tools = window().toolTabs();
     tools->setCurrentIndex(tools->indexOf(tools->recorder()));
     settle();
-    save(tools, QStringLiteral("recorder-tab"));
+    saveTop(tools, QStringLiteral("recorder-tab"), tools->recorder());
     auto* editor = new FrmAudioEdit(&window());
     editor->SetAudioSource(AppGlobals::programArchive() + QStringLiteral("Sounds/fanfare.wav"));
     editor->SetStartEndTime(150, 900);
@@ -170,7 +183,7 @@ void HelpShots::shootPreview() {
 void HelpShots::shootPictureBrowser() {
     frmPictureBrowser* browser = window().pictureBrowser();
     browser->setFolder(AppGlobals::setting("browserPaths", "Backgrounds", QString()));
-    browser->resize(820, 520);
+    browser->resize(kPageWidth, 460);
     browser->show();
     auto* files = browser->findChild<QListWidget*>(QStringLiteral("lstFiles"));
     const QList<QListWidgetItem*> found =
@@ -243,7 +256,7 @@ void HelpShots::shootAbout() {
 // folder for them, the pages named there too, to be looked at, not shipped.
 void HelpShots::shootHelp() {
     frmHelp* help = frmHelp::showFile(AppGlobals::helpFile());
-    help->resize(760, 560);
+    help->resize(kPageWidth, 500);
     help->search(m_german ? QStringLiteral("Hintergrund") : QStringLiteral("background"));
     settle(300);
     save(help, QStringLiteral("help-window"));
@@ -279,6 +292,15 @@ void HelpShots::shootWindow(QWidget* shown, const QString& name) {
     settle(300);
     save(shown, name);
     delete shown;
+}
+
+// A tab whose controls fill only its top: the tabs and those controls.
+void HelpShots::saveTop(QTabWidget* tabs, const QString& name, const QWidget* shown) {
+    const int tall = shown->mapTo(tabs, shown->childrenRect().bottomLeft()).y() + 8;
+    const QImage top =
+        tabs->grab(QRect(0, 0, tabs->width(), std::min(tall, tabs->height()))).toImage();
+    if (!top.save(m_folder + u'/' + name + QStringLiteral(".png"), "PNG"))
+        fail(name + QStringLiteral(".png: not saved"));
 }
 
 void HelpShots::save(QWidget* widget, const QString& name, int widest) {

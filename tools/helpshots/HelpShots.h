@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <QTemporaryDir>
 
+class QTabWidget;
 class QWidget;
 class frmHelp;
 class frmMain;
@@ -38,8 +39,10 @@ private:
     // Shows a window of its own, takes its picture and closes it.
     void shootWindow(QWidget* window, const QString& name);
     void showAsHome(QWidget* window) const;
+    void selectCaption() const;
     void save(QWidget* widget, const QString& name, int widest = 0);
     void savePicture(QWidget* widget, const QString& path, int widest = 0);
+    void saveTop(QTabWidget* tabs, const QString& name, const QWidget* shown);
     void fail(const QString& what);
 
     frmMain& window() const;
