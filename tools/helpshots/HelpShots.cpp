@@ -138,7 +138,10 @@ void HelpShots::shootMainWindow() {
     save(&window(), QStringLiteral("main-window"), kPageWidth);
     save(window().findChild<QDockWidget*>(QStringLiteral("dockSlides")),
          QStringLiteral("slide-strip"));
-    save(window().pictureEditor(), QStringLiteral("picture-editor"));
+    // The slide with a little of the grey around it.
+    ctlPictureEditor* editor = window().pictureEditor();
+    saveArea(editor, editor->pictureRect().adjusted(-16, -16, 16, 16),
+             QStringLiteral("picture-editor"));
     window().pictureEditor()->ClearPicture();
 }
 
@@ -297,9 +300,11 @@ void HelpShots::shootWindow(QWidget* shown, const QString& name) {
 // A tab whose controls fill only its top: the tabs and those controls.
 void HelpShots::saveTop(QTabWidget* tabs, const QString& name, const QWidget* shown) {
     const int tall = shown->mapTo(tabs, shown->childrenRect().bottomLeft()).y() + 8;
-    const QImage top =
-        tabs->grab(QRect(0, 0, tabs->width(), std::min(tall, tabs->height()))).toImage();
-    if (!top.save(m_folder + u'/' + name + QStringLiteral(".png"), "PNG"))
+    saveArea(tabs, QRect(0, 0, tabs->width(), std::min(tall, tabs->height())), name);
+}
+
+void HelpShots::saveArea(QWidget* widget, const QRect& area, const QString& name) {
+    if (!widget->grab(area).save(m_folder + u'/' + name + QStringLiteral(".png"), "PNG"))
         fail(name + QStringLiteral(".png: not saved"));
 }
 

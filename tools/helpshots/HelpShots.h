@@ -43,6 +43,7 @@ private:
     void save(QWidget* widget, const QString& name, int widest = 0);
     void savePicture(QWidget* widget, const QString& path, int widest = 0);
     void saveTop(QTabWidget* tabs, const QString& name, const QWidget* shown);
+    void saveArea(QWidget* widget, const QRect& area, const QString& name);
     void fail(const QString& what);
 
     frmMain& window() const;

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QStyleHints>
 #include <QTextStream>
 
 // vellumo-helpshots LANGUAGE FOLDER [PAGES]: opens every window of the
@@ -15,6 +16,9 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationName("Vellumo");
     QApplication::setApplicationVersion(VELLUMO_VERSION);
     QIcon::setFallbackThemeName(QStringLiteral("Adwaita"));
+    // A text cursor that does not blink is in every picture or in none, so a
+    // rerun writes the same pictures.
+    QGuiApplication::styleHints()->setCursorFlashTime(0);
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 3 || arguments.size() > 4) {
         QTextStream(stderr) << "usage: vellumo-helpshots LANGUAGE FOLDER [PAGES]\n";
