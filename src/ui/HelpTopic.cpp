@@ -15,6 +15,7 @@ const QHash<QString, QString>& topics() {
         {"ctlSlideThumbs", "slides.html"},
         {"SlidePanel", "slides.html#panel"},
         {"txtMessage", "text.html#slide-text"},
+        {"txtSlideTime", "slides.html#time"},
         {"ctlPictureEditor", "picture-editor.html"},
         {"ctlBrowserBackgrounds", "media-browsers.html#backgrounds"},
         {"ctlBrowserPictures", "media-browsers.html#pictures"},

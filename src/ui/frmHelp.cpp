@@ -122,25 +122,28 @@ void frmHelp::TranslateForm() {
     cmdSearch->setText(text("STR_HELP_SEARCH", "Search"));
     cmdSearch->setAccessibleName(cmdSearch->text());
     m_browser->setAccessibleName(text("STR_HELP_PAGE", "Help page"));
-    const QString file = AppGlobals::helpFile();
-    if (file.isEmpty() || HelpPages(file).contents() == m_browser->pages().contents())
-        return;
     // The same page, in the language now chosen.
-    const QString topic = shownTopic();
+    const QString file = AppGlobals::helpFile();
+    if (file.isEmpty() || m_browser->source().isEmpty() || !usePages(file))
+        return;
     const QString query = HelpBrowser::searchOf(m_browser->source());
-    m_search.reset();
-    m_browser->setPages(HelpPages(file));
     if (!query.isEmpty())
         return m_browser->showSearch(query);
-    if (!m_browser->source().isEmpty())
-        m_browser->setSource(m_browser->pages().url(topic));
+    m_browser->setSource(m_browser->pages().url(shownTopic()));
+}
+
+// Whether the pages are others than those shown so far.
+bool frmHelp::usePages(const QString& file) {
+    const HelpPages pages(file);
+    if (pages.contents() == m_browser->pages().contents())
+        return false;
+    m_search.reset();
+    m_browser->setPages(pages);
+    return true;
 }
 
 void frmHelp::showTopic(const QString& file, const QString& topic) {
-    if (HelpPages(file).contents() != m_browser->pages().contents()) {
-        m_search.reset();
-        m_browser->setPages(HelpPages(file));
-    }
+    usePages(file);
     m_browser->setSource(m_browser->pages().url(topic));
 }
 

@@ -48,6 +48,7 @@ private:
     void buildLayout();
     void connectControls();
     static void describe(QToolButton* button, const QString& caption, const QKeySequence& keys);
+    bool usePages(const QString& file);
     void showContents();
     void clearSearch();
     QString resultsPage(const QString& query);
