@@ -69,6 +69,9 @@ void MediaThumbDelegate::paint(QPainter* painter, const QStyleOptionViewItem& op
     initStyleOption(&plain, index);
     plain.text.clear();
     plain.icon = QIcon();
+    // The whole cell shows the selection: the name drawn in its colour below
+    // is read on it, not on the list's own background.
+    plain.showDecorationSelected = true;
     QApplication::style()->drawControl(QStyle::CE_ItemViewItem, &plain, painter, plain.widget);
 
     const QRect cell = option.rect.adjusted(Margin, Margin, -Margin, -Margin);

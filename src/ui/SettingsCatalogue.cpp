@@ -130,6 +130,7 @@ QList<SettingsCatalogue::Tab> SettingsCatalogue::tabs() {
 
 SettingsCatalogue::Tab SettingsCatalogue::general() {
     return {
+        "pageGeneral",
         "STR_SETTINGS_GENERAL",
         "General",
         {choice("Language", "en-us", "STR_SETTINGS_LANGUAGE", "&Language", languages),
@@ -163,7 +164,8 @@ SettingsCatalogue::Tab SettingsCatalogue::pictures() {
     Description unit =
         choice("MMSTimeFormat", "ms", "STR_SETTINGS_TIME_UNIT", "&Time unit of slides", units);
     unit.allowedBy = "AllowMMSTimeFormat";
-    return {"STR_SETTINGS_PICTURES",
+    return {"pagePictures",
+            "STR_SETTINGS_PICTURES",
             "Pictures",
             {choice("ImageFormat", "jpg", "STR_SETTINGS_IMAGE_FORMAT", "Picture &format", formats),
              number("JpgQuality", "90", "STR_SETTINGS_JPG_QUALITY", "&JPEG quality", {1, 100}, 1),
@@ -183,7 +185,8 @@ SettingsCatalogue::Tab SettingsCatalogue::pictures() {
 }
 
 SettingsCatalogue::Tab SettingsCatalogue::sounds() {
-    return {"STR_SETTINGS_SOUNDS",
+    return {"pageSounds",
+            "STR_SETTINGS_SOUNDS",
             "Sounds",
             {withSuffix(number("MaxRecordTime", "300000", "STR_SETTINGS_MAX_RECORD",
                                "&Longest recording", {1, 3600}, 1000),
@@ -205,7 +208,8 @@ SettingsCatalogue::Tab SettingsCatalogue::preview() {
     Description type =
         choice("PreviewType", "Default", "STR_SETTINGS_PREVIEW_TYPE", "&Phone shown", types);
     type.allowedBy = "PreviewTypeEnabled";
-    return {"STR_SETTINGS_PREVIEW",
+    return {"pagePreview",
+            "STR_SETTINGS_PREVIEW",
             "Preview",
             {choice("Skin", "", "STR_SETTINGS_SKIN", "S&kin", skins), type,
              check("ShowPreview", "1", "STR_SETTINGS_SHOW_PREVIEW", "&Show the preview"),
@@ -215,7 +219,8 @@ SettingsCatalogue::Tab SettingsCatalogue::preview() {
 }
 
 SettingsCatalogue::Tab SettingsCatalogue::browsers() {
-    return {"STR_SETTINGS_BROWSERS",
+    return {"pageBrowsers",
+            "STR_SETTINGS_BROWSERS",
             "Browsers",
             {check("ExtendedBrowser", "0", "STR_SETTINGS_EXTENDED_BROWSER",
                    "&Extended browsers (any folder)"),
@@ -238,7 +243,8 @@ SettingsCatalogue::Tab SettingsCatalogue::phone() {
                   {"STR_SETTINGS_BAD_OBEX",
                    "Write the OBEX target as tcp:HOST:PORT or bt:AA:BB:CC:DD:EE:FF:CHANNEL."});
     target.section = QStringLiteral("PhoneTransfer");
-    return {"STR_SETTINGS_PHONE",
+    return {"pagePhone",
+            "STR_SETTINGS_PHONE",
             "Phone",
             {choice("CommunicationType", "1", "STR_SETTINGS_COM_TYPE", "&Send to the phone by",
                     transferKinds),

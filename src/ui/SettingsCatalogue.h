@@ -11,6 +11,7 @@
 class SettingsCatalogue {
 public:
     struct Tab {
+        const char* name; // of its page, which the help knows it by
         const char* titleKey;
         const char* titleFallback;
         QList<SettingField::Description> fields;

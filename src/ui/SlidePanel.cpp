@@ -22,6 +22,7 @@ SlidePanel::SlidePanel(QWidget* picture, QWidget* parent)
       lblTime(new QLabel(this)), lblSound(new QLabel(this)), cmdPlaySound(new QPushButton(this)),
       cmdPreview(new QPushButton(this)), cmdAddNewSlide(new QPushButton(this)),
       cmdDuplicateSlide(new QPushButton(this)), cmdDeleteSlide(new QPushButton(this)) {
+    setObjectName(QStringLiteral("SlidePanel"));
     txtMessage->setObjectName(QStringLiteral("txtMessage"));
     txtMessage->setTabChangesFocus(true);
     txtMessage->setMaximumHeight(fontMetrics().lineSpacing() * 4);

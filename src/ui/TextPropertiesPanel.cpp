@@ -85,6 +85,7 @@ TextPropertiesPanel::TextPropertiesPanel(QWidget* parent)
       lblSize(FieldLabel::create(spnFontSize, this)), lblStyle(FieldLabel::create(chkBold, this)),
       lblAlignment(FieldLabel::create(optAlignLeft, this)),
       lblColor(FieldLabel::create(cmdColor, this)) {
+    setObjectName(QStringLiteral("TextPropertiesPanel"));
     lblNoText->setObjectName(QStringLiteral("lblNoText"));
     lblNoText->setWordWrap(true);
     cboFont->setObjectName(QStringLiteral("cboFont"));

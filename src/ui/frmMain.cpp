@@ -7,6 +7,8 @@
 #include "EventPump.h"
 #include "FileCommands.h"
 #include "HelpKey.h"
+#include "HelpPages.h"
+#include "HelpTopic.h"
 #include "MessageDocument.h"
 #include "PhoneConnection.h"
 #include "PreviewController.h"
@@ -136,6 +138,9 @@ void frmMain::applyLanguage() {
     const QString language = AppGlobals::setting("preferences", "Language", "en-us");
     if (!localizer || localizer->GetLanguage() == language || !localizer->SetLanguage(language))
         return;
+    // The help follows: its pages lie beside those of the other language.
+    if (const QString help = AppGlobals::helpFile(); !help.isEmpty())
+        AppGlobals::setHelpFile(QFileInfo(help).path() + u'/' + language + QStringLiteral(".html"));
     for (QWidget* window : QApplication::topLevelWidgets())
         if (window != this && window->metaObject()->indexOfMethod("TranslateForm()") >= 0)
             QMetaObject::invokeMethod(window, "TranslateForm");
@@ -588,9 +593,11 @@ void frmMain::keepSettings() {
     settings->SaveXmlFile();
 }
 
+// The page about the window in front; the English help when the language
+// has none.
 void frmMain::showHelp() {
     const QString file = AppGlobals::helpFile();
-    if (file.isEmpty() || !QFileInfo::exists(file)) {
+    if (HelpPages(file).contents().isEmpty()) {
         const QString message =
             AppGlobals::localizer()
                 ? AppGlobals::localizer()->GetStringPar("STR_HELP_MISSING", {file})
@@ -600,7 +607,7 @@ void frmMain::showHelp() {
                                   QMessageBox::Information);
         return;
     }
-    frmHelp::showFile(file, frmHelp::topicOf(QApplication::activeWindow()));
+    frmHelp::showFile(file, HelpTopic::of(QApplication::activeWindow()));
 }
 
 void frmMain::showAbout() {

@@ -27,7 +27,7 @@ frmSettings::frmSettings(QWidget* parent)
     setObjectName(QStringLiteral("frmSettings"));
     tabSettings->setObjectName(QStringLiteral("tabSettings"));
     for (const SettingsCatalogue::Tab& tab : SettingsCatalogue::tabs())
-        buildTab(tab.titleKey, tab.titleFallback, tab.fields);
+        buildTab(tab);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(tabSettings);
     layout->addWidget(m_buttons);
@@ -50,11 +50,11 @@ frmSettings::frmSettings(QWidget* parent)
 
 frmSettings::~frmSettings() = default;
 
-void frmSettings::buildTab(const char* titleKey, const char* titleFallback,
-                           const QList<SettingField::Description>& fields) {
+void frmSettings::buildTab(const SettingsCatalogue::Tab& tab) {
     auto* page = new QWidget;
+    page->setObjectName(QLatin1String(tab.name));
     auto* form = new QFormLayout(page);
-    for (const SettingField::Description& description : fields) {
+    for (const SettingField::Description& description : tab.fields) {
         auto& field = m_fields.emplace_back(std::make_unique<SettingField>(description));
         if (field->label())
             form->addRow(field->label(), field->control());
@@ -62,7 +62,7 @@ void frmSettings::buildTab(const char* titleKey, const char* titleFallback,
             form->addRow(field->control());
     }
     tabSettings->addTab(page, QString());
-    m_tabTitles << std::pair{titleKey, titleFallback};
+    m_tabTitles << std::pair{tab.titleKey, tab.titleFallback};
 }
 
 QWidget* frmSettings::control(const QString& key) const {

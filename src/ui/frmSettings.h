@@ -1,6 +1,7 @@
 #pragma once
 
 #include "SettingField.h"
+#include "SettingsCatalogue.h"
 
 #include <QDialog>
 #include <memory>
@@ -29,8 +30,7 @@ signals:
     void applied();
 
 private:
-    void buildTab(const char* titleKey, const char* titleFallback,
-                  const QList<SettingField::Description>& fields);
+    void buildTab(const SettingsCatalogue::Tab& tab);
     bool apply();
     bool allValid();
     void keepTab();

@@ -431,3 +431,25 @@ TEST_F(MediaBrowserTest, TheExtendedModeChoosesTheFolderInATree) {
     EXPECT_EQ(AppGlobals::setting("browserPaths", "Pictures", ""), home + "/photos/2026");
     qputenv("HOME", realHome);
 }
+
+// The chosen file's whole cell shows the selection, so its name, drawn in the
+// selection's text colour, stands on the selection and can be read.
+TEST_F(MediaBrowserTest, TheChosenFileIsHighlightedWholeUnderItsName) {
+    savePicture(folder("Pictures") + "/a.jpg", QSize(40, 30), Qt::red);
+    savePicture(folder("Pictures") + "/b.jpg", QSize(40, 30), Qt::blue);
+    window().toolTabs()->setCurrentWidget(&browser(ctlBrowser::Pictures));
+    ctlBrowser& pictures = browser(ctlBrowser::Pictures);
+    pictures.LoadFiles();
+    waitForThumbnails(pictures);
+    pictures.selectIndex(2);
+    QListView* list = pictures.list();
+    const QImage shown = list->viewport()->grab().toImage();
+    const auto besideName = [&](int row) {
+        const QRect cell = list->visualRect(list->model()->index(row, 0));
+        return shown.pixelColor(cell.left() + 3, cell.bottom() - 3);
+    };
+    EXPECT_NE(besideName(0), besideName(1));
+    EXPECT_TRUE(besideName(1) == list->palette().color(QPalette::Active, QPalette::Highlight) ||
+                besideName(1) == list->palette().color(QPalette::Inactive, QPalette::Highlight))
+        << besideName(1).name().toStdString();
+}

@@ -6,7 +6,6 @@
 #include "clsXMLocalizer.h"
 #include "ctlMainMenu.h"
 #include "frmAbout.h"
-#include "frmHelp.h"
 #include "frmPictureBrowser.h"
 #include "frmSettings.h"
 
@@ -168,26 +167,6 @@ TEST_F(SettingsDialogTest, TheSendCommandOfThisSystemIsTheBluetoothSender) {
     typeInto(command, "obexftp --put \"%f%\"");
     press(dialog, QDialogButtonBox::Apply);
     EXPECT_EQ(irDaCommandline(*AppGlobals::settings()), "obexftp --put \"%f%\"");
-}
-
-// F1 answers in whichever window is in front, with the part of the help
-// about it, in a window that a waiting dialog does not block.
-TEST_F(SettingsDialogTest, HelpOpensAtThePartAboutTheWindowInFront) {
-    AppGlobals::setHelpFile(programFile("help/en-us.html"));
-    window().activateWindow();
-    QTest::keyClick(&window(), Qt::Key_F1);
-    ASSERT_NE(frmHelp::current(), nullptr);
-    EXPECT_EQ(frmHelp::current()->shownTopic(), "slides");
-    frmHelp::current()->close();
-
-    frmSettings* dialog = open();
-    dialog->activateWindow();
-    QTRY_COMPARE(QApplication::activeWindow(), dialog);
-    QTest::keyClick(dialog->focusWidget() ? dialog->focusWidget() : dialog, Qt::Key_F1);
-    ASSERT_NE(frmHelp::current(), nullptr);
-    EXPECT_EQ(frmHelp::current()->shownTopic(), "settings");
-    EXPECT_TRUE(frmHelp::current()->isVisible());
-    EXPECT_EQ(frmHelp::current()->parentWidget(), nullptr);
 }
 
 TEST_F(SettingsDialogTest, AboutNamesTheVersionAndTheLibrariesWithTheirLicences) {
