@@ -31,7 +31,9 @@ QString filterFor(int thumbType) {
     case ctlBrowser::Animations:
         return text("STR_BFILTER_ANIMATION", "Animations|*.gif;*.avi;*.mp4");
     default:
-        return text("STR_BFILTER_PICTURE", "Pictures|*.bmp;*.gif;*.jpg;*.jpeg;*.png");
+        // Every picture the program reads, also those only the picture library knows.
+        return text("STR_BFILTER_PICTURE",
+                    "Pictures|*.bmp;*.gif;*.jpg;*.jpeg;*.png;*.tif;*.tiff;*.tga;*.pcx;*.psd");
     }
 }
 } // namespace
