@@ -314,7 +314,7 @@ TEST_F(MakesisTest, WhatIsNoRegularFileIsRefusedUnread) {
     ASSERT_EQ(::mkfifo(QFile::encodeName(path(QStringLiteral("F/pipe.jpg"))).constData(), 0600), 0);
     ASSERT_EQ(::mkfifo(QFile::encodeName(path(QStringLiteral("P.pkg"))).constData(), 0600), 0);
     const QByteArray header = "#{\"T\"},(0x10E7B29D),1,0,0,TYPE=SISUPGRADE\r\n";
-    for (const QByteArray source : {QByteArray("/dev/zero"), QByteArray("F/pipe.jpg")}) {
+    for (const QByteArray& source : {QByteArray("/dev/zero"), QByteArray("F/pipe.jpg")}) {
         write(QStringLiteral("T.pkg"), header + "\"" + source + "\"-\"!:\\a.jpg\"\r\n");
         const ProgramRun run = makesis({path(QStringLiteral("T.pkg"))});
         EXPECT_EQ(run.exitCode, 1) << source.constData();

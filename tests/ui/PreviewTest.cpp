@@ -51,8 +51,9 @@ protected:
         MessageDocument& document = window().document();
         const QList<QPair<qint64, QString>> slides{{3000, "one"}, {1500, "two"}, {2000, "three"}};
         for (int i = 0; i < slides.size(); ++i) {
-            if (i > 0)
+            if (i > 0) {
                 ASSERT_TRUE(document.appendSlide());
+            }
             document.setCurrentSlide(i + 1);
             ASSERT_TRUE(document.setSlideDuration(slides[i].first));
             ASSERT_TRUE(document.setSlideText(slides[i].second));
