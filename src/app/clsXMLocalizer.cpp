@@ -83,6 +83,17 @@ void applyProperFont(QObject* object, int codePage) {
     clsXMLocalizer::SetProperFont(font, codePage);
     object->setProperty("font", font);
 }
+
+// The %0, %1 ... and %n a text takes, which every translation must take alike.
+QStringList parametersOf(const QString& text) {
+    static const QRegularExpression parameter(QStringLiteral("%(\\d+|n)"));
+    QStringList found;
+    for (const QRegularExpressionMatch& match : parameter.globalMatch(text))
+        found << match.captured();
+    found.removeDuplicates();
+    found.sort();
+    return found;
+}
 } // namespace
 
 clsXMLocalizer::clsXMLocalizer(clsPropertiesXML& settings) : m_settings(settings) {
@@ -198,20 +209,8 @@ bool clsXMLocalizer::loadLanguageFile(const QString& fileName) {
         else
             m_langFileName = english;
     }
-    m_strings = std::move(tables.strings);
-    m_translations = std::move(tables.translations);
+    m_tables = std::move(tables);
     return read;
-}
-
-// The %0, %1 ... and %n a text takes, which every translation must take alike.
-QStringList clsXMLocalizer::parametersOf(const QString& text) {
-    static const QRegularExpression parameter(QStringLiteral("%(\\d+|n)"));
-    QStringList found;
-    for (const QRegularExpressionMatch& match : parameter.globalMatch(text))
-        found << match.captured();
-    found.removeDuplicates();
-    found.sort();
-    return found;
 }
 
 // What a translation lacks, or takes other parameters in, is taken from the
@@ -269,7 +268,7 @@ bool clsXMLocalizer::TranslateForm(QObject* window) const {
             applyProperFont(control, codePage);
     }
     const QString windowName = window->objectName();
-    window->setProperty("windowTitle", m_translations.value(windowName + "_caption"));
+    window->setProperty("windowTitle", m_tables.translations.value(windowName + "_caption"));
     for (QObject* control : controls)
         translateControl(control, windowName);
     return true;
@@ -283,15 +282,16 @@ void clsXMLocalizer::translateControl(QObject* control, const QString& windowNam
     const QString index = indexProperty.isValid() ? indexProperty.toString() : QString();
     const QString name = control->objectName();
     // A missing caption blanks the control: the language files are complete.
-    control->setProperty(kind->captionProperty,
-                         m_translations.value(controlKey(windowName, name, index, "caption")));
-    const QString toolTip = m_translations.value(controlKey(windowName, name, index, "text"));
+    control->setProperty(kind->captionProperty, m_tables.translations.value(controlKey(
+                                                    windowName, name, index, "caption")));
+    const QString toolTip =
+        m_tables.translations.value(controlKey(windowName, name, index, "text"));
     if (!toolTip.isEmpty())
         control->setProperty("toolTip", toolTip);
 }
 
 QString clsXMLocalizer::GetString(const QString& key) const {
-    return m_strings.value(key);
+    return m_tables.strings.value(key);
 }
 
 QString clsXMLocalizer::GetStringPar(const QString& key, const QStringList& parameters) const {

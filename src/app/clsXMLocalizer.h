@@ -52,9 +52,6 @@ public:
     static QString controlKey(const QString& window, const QString& control, const QString& index,
                               const QString& element);
 
-    // The %0, %1 ... and %n a text takes, sorted, each once.
-    static QStringList parametersOf(const QString& text);
-
 private:
     struct Tables {
         QHash<QString, QString> strings;
@@ -78,6 +75,5 @@ private:
     std::unique_ptr<QTranslator> m_qtTexts;
     QString m_langFileName;
     QString m_loadError;
-    QHash<QString, QString> m_translations;
-    QHash<QString, QString> m_strings;
+    Tables m_tables;
 };

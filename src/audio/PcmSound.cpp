@@ -17,13 +17,15 @@ std::int64_t PcmSound::frames() const {
     return frameBytes > 0 ? m_data.size() / frameBytes : 0;
 }
 
-std::int64_t PcmSound::msToFrame(std::int64_t ms) const {
-    return (ms * m_format.sampleRate + 500) / 1000;
+std::int64_t PcmSound::msToFrame(std::int64_t ms, int sampleRate) {
+    return (ms * sampleRate + 500) / 1000;
 }
 
-std::int64_t PcmSound::frameToMs(std::int64_t frame) const {
-    const std::int64_t rate = m_format.sampleRate;
-    return rate > 0 ? (frame * 1000 + rate / 2) / rate : 0;
+std::int64_t PcmSound::frameToMs(std::int64_t frame, int sampleRate) {
+    if (sampleRate <= 0)
+        return 0;
+    const __int128 ms = (__int128(frame) * 1000 + sampleRate / 2) / sampleRate;
+    return ms > INT64_MAX ? INT64_MAX : std::int64_t(ms);
 }
 
 PcmSound PcmSound::slice(std::int64_t fromFrame, std::int64_t toFrame) const {

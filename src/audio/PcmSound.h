@@ -30,8 +30,14 @@ public:
     std::int64_t frames() const;
     std::int64_t lengthMs() const { return frameToMs(frames()); }
 
-    std::int64_t msToFrame(std::int64_t ms) const;
-    std::int64_t frameToMs(std::int64_t frame) const;
+    std::int64_t msToFrame(std::int64_t ms) const { return msToFrame(ms, m_format.sampleRate); }
+    std::int64_t frameToMs(std::int64_t frame) const {
+        return frameToMs(frame, m_format.sampleRate);
+    }
+    // The same at any rate, for sounds measured rather than held; a count
+    // too large for milliseconds gives the largest there is.
+    static std::int64_t msToFrame(std::int64_t ms, int sampleRate);
+    static std::int64_t frameToMs(std::int64_t frame, int sampleRate);
 
     // The frames [from, to) as a sound of the same format; the range is
     // clamped to the sound.

@@ -44,8 +44,7 @@ WavFile::Error WavFile::read(QIODevice& device, PcmSound& sound, WavHeader* told
         return header.tag() == WavHeader::Pcm ? Error::Unsupported : Error::Compressed;
     if (!device.seek(header.dataOffset()))
         return Error::Unreadable;
-    const PcmFormat format{header.sampleRate(), header.channels(), header.bitsPerSample()};
-    sound = PcmSound(format, device.read(header.dataSize()));
+    sound = PcmSound(header.pcmFormat(), device.read(header.dataSize()));
     return Error::None;
 }
 
@@ -64,6 +63,26 @@ QByteArray WavFile::header(const PcmFormat& f, quint32 dataSize) {
     out.append("data");
     putU32(out, dataSize);
     return out;
+}
+
+QByteArray WavFile::header(const WavHeader& layout, std::int64_t frames) {
+    const auto dataSize = quint32(frames * layout.blockAlign());
+    if (layout.isPlainPcm())
+        return header(layout.pcmFormat(), dataSize);
+    QByteArray fmt = layout.fmtBody();
+    if (fmt.size() % 2)
+        fmt.append('\0');
+    QByteArray chunks = "fmt ";
+    putU32(chunks, quint32(layout.fmtBody().size()));
+    chunks += fmt;
+    chunks += "fact";
+    putU32(chunks, 4);
+    putU32(chunks, quint32(frames));
+    chunks += "data";
+    putU32(chunks, dataSize);
+    QByteArray out = "RIFF";
+    putU32(out, quint32(4 + chunks.size() + dataSize + (dataSize & 1)));
+    return out + "WAVE" + chunks;
 }
 
 QByteArray WavFile::toBytes(const PcmSound& sound) {

@@ -26,6 +26,10 @@ public:
     // The 44 bytes before dataSize bytes of sound in format, for a writer
     // that streams the sound after them.
     static QByteArray header(const PcmFormat& format, quint32 dataSize);
+    // The chunks before frames of sound in the layout a file's header
+    // describes: plain PCM gets the usual 44 bytes, any other layout keeps
+    // its own fmt chunk and the frame count a reader of such a file looks for.
+    static QByteArray header(const WavHeader& layout, std::int64_t frames);
 
     static QString errorText(Error error, const WavHeader* header = nullptr) {
         return WavHeader::errorText(error, header);

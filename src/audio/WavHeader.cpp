@@ -134,10 +134,11 @@ std::int64_t WavHeader::frames() const {
 }
 
 std::int64_t WavHeader::lengthMs() const {
-    if (m_sampleRate <= 0)
-        return 0;
-    const __int128 ms = (__int128(frames()) * 1000 + m_sampleRate / 2) / m_sampleRate;
-    return ms > INT64_MAX ? INT64_MAX : std::int64_t(ms);
+    return PcmSound::frameToMs(frames(), m_sampleRate);
+}
+
+PcmFormat WavHeader::pcmFormat() const {
+    return PcmFormat{m_sampleRate, m_channels, m_bitsPerSample};
 }
 
 QString WavHeader::codingName() const {

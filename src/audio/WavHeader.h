@@ -1,5 +1,7 @@
 #pragma once
 
+#include "PcmSound.h"
+
 #include <QByteArray>
 #include <QString>
 #include <cstdint>
@@ -48,6 +50,8 @@ public:
     bool hasWholeFrames() const;
     std::int64_t frames() const;
     std::int64_t lengthMs() const;
+    // The layout as PCM takes it, for a file that isPlainPcm().
+    PcmFormat pcmFormat() const;
     // The coding's usual name, for telling the user why a file is refused.
     QString codingName() const;
 

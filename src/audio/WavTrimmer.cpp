@@ -5,22 +5,12 @@
 #include "WavFile.h"
 
 #include <QFile>
-#include <QtEndian>
 
 namespace {
 constexpr qint64 kCopyBlock = 1 << 20;
 // What the size fields of a WAV file can count.
 constexpr qint64 kLongestData = qint64(0xFFFFFFFF) - 1024;
 
-void putU32(QByteArray& out, quint32 v) {
-    char b[4];
-    qToLittleEndian(v, b);
-    out.append(b, 4);
-}
-
-std::int64_t msToFrame(std::int64_t ms, int rate) {
-    return (ms * rate + 500) / 1000;
-}
 } // namespace
 
 QString WavTrimmer::trim(const QString& source, const QString& target, std::int64_t fromMs,
@@ -43,8 +33,8 @@ QString WavTrimmer::trim(const QString& source, const QString& target, std::int6
             "STR_TRIM_RANGE", "the range %0..%1 ms does not lie within the sound's %2 ms",
             {QString::number(fromMs), QString::number(toMs), QString::number(header.lengthMs())});
     const int rate = header.sampleRate();
-    return copyFrames(in, header, msToFrame(fromMs, rate),
-                      std::min(msToFrame(toMs, rate), header.frames()), target);
+    return copyFrames(in, header, PcmSound::msToFrame(fromMs, rate),
+                      std::min(PcmSound::msToFrame(toMs, rate), header.frames()), target);
 }
 
 QString WavTrimmer::copyFrames(QFile& source, const WavHeader& header, std::int64_t first,
@@ -54,36 +44,13 @@ QString WavTrimmer::copyFrames(QFile& source, const WavHeader& header, std::int6
         return AppGlobals::text("STR_WAV_TOO_LONG", "the sound is longer than a WAV file can hold");
     AtomicFile out(target);
     const bool written =
-        out.open(QIODevice::WriteOnly) && out.write(headerFor(header, last - first)) >= 0 &&
+        out.open(QIODevice::WriteOnly) && out.write(WavFile::header(header, last - first)) >= 0 &&
         source.seek(header.dataOffset() + first * header.blockAlign()) &&
         copyBytes(source, out, bytes) && (bytes % 2 == 0 || out.write("", 1) == 1) && out.commit();
     if (written)
         return {};
     return AppGlobals::text("STR_FILE_NOT_WRITTEN", "%0 cannot be written: %1",
                             {target, out.errorString()});
-}
-
-// Plain PCM gets the usual 44 bytes; any other layout keeps its own fmt
-// chunk, and the frame count a reader of a non-PCM WAV looks for.
-QByteArray WavTrimmer::headerFor(const WavHeader& header, std::int64_t frames) {
-    const auto dataSize = quint32(frames * header.blockAlign());
-    if (header.isPlainPcm())
-        return WavFile::header(
-            PcmFormat{header.sampleRate(), header.channels(), header.bitsPerSample()}, dataSize);
-    QByteArray fmt = header.fmtBody();
-    if (fmt.size() % 2)
-        fmt.append('\0');
-    QByteArray chunks = "fmt ";
-    putU32(chunks, quint32(header.fmtBody().size()));
-    chunks += fmt;
-    chunks += "fact";
-    putU32(chunks, 4);
-    putU32(chunks, quint32(frames));
-    chunks += "data";
-    putU32(chunks, dataSize);
-    QByteArray out = "RIFF";
-    putU32(out, quint32(4 + chunks.size() + dataSize + (dataSize & 1)));
-    return out + "WAVE" + chunks;
 }
 
 bool WavTrimmer::copyBytes(QIODevice& from, QIODevice& to, qint64 count) {

@@ -22,6 +22,5 @@ public:
 private:
     static QString copyFrames(QFile& source, const WavHeader& header, std::int64_t first,
                               std::int64_t last, const QString& target);
-    static QByteArray headerFor(const WavHeader& header, std::int64_t frames);
     static bool copyBytes(QIODevice& from, QIODevice& to, qint64 count);
 };

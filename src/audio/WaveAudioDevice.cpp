@@ -57,8 +57,7 @@ int WaveAudioDevice::open(const QString& path, AudioBackend& backend,
     wave->m_path = path;
     // A recording over the file keeps its format, as it did when the file was read whole.
     if (header.isPlainPcm())
-        wave->m_sound =
-            PcmSound(PcmFormat{header.sampleRate(), header.channels(), header.bitsPerSample()}, {});
+        wave->m_sound = PcmSound(header.pcmFormat(), {});
     device = std::move(wave);
     return MciError::None;
 }
