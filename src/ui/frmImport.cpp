@@ -28,7 +28,8 @@ void frmImport::TranslateForm() {
 }
 
 QString frmImport::helpText() const {
-    return text("STR_IMPORT_HELP1", "Choose a SMIL file or a template, then click Import.");
+    return text("STR_IMPORT_HELP1", "Choose a SMIL file, a template or a received message "
+                                    "(.mms, .wap), then click Import.");
 }
 
 DialogService::FileRequest frmImport::fileRequest() const {

@@ -184,7 +184,9 @@ TEST_F(ExportImportTest, AnImportedTemplateOrSetBecomesTheOpenMessage) {
     DialogService::queueAnswer(QMessageBox::Cancel);
     clickRun(dialog);
     EXPECT_EQ(DialogService::answeredBoxes().last().text, "Save the changes?");
-    EXPECT_EQ(status(dialog), "Choose a SMIL file or a template, then click Import.");
+    EXPECT_EQ(
+        status(dialog),
+        "Choose a SMIL file, a template or a received message (.mms, .wap), then click Import.");
     EXPECT_EQ(slides(), exported);
     EXPECT_TRUE(document().isModified());
 
